@@ -1,0 +1,15 @@
+// The board in words, for screen readers.
+#pragma once
+
+#include "model/GameState.h"
+#include "platform/Form.h"
+
+#include <vector>
+
+namespace quarnel {
+
+/// The 64 squares as they are shown, line by line from the top left: "e4, white pawn" or "e5, empty",
+/// with their places in the window (zoom and orientation applied). For Form::OnDescribe.
+std::vector<AccessibleItem> DescribeBoard(const GameState& state);
+
+} // namespace quarnel
