@@ -22,4 +22,10 @@ class Rules {
     virtual bool KingAttacked(const Position& position, Truth side, Truth& attacked) = 0;
 };
 
+/// The legal moves of `side`; an empty list without a rule service.
+MoveList GenerateMoves(Rules& rules, const Position& position, Truth side);
+
+/// Whether the king of `side` is attacked; false without a rule service.
+Truth IsKingAttacked(Rules& rules, const Position& position, Truth side);
+
 } // namespace quarnel

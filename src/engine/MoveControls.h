@@ -1,0 +1,41 @@
+// The Moves menu and the toolbar: what a player can do about the moves, and when.
+//
+// Three states: none possible, the engine thinks (it can only be stopped), idle (all but stopping).
+#pragma once
+
+#include "platform/Form.h"
+
+#include <array>
+
+namespace quarnel {
+
+/// Indexes of SubMovesMenu; of `poke` see MoveControls.
+enum MovesItem { BackOneItem = 0, ForwardOneItem, BackToStartItem, ForwardToEndItem, MovesSeparator, MoveNowItem, StopItem };
+
+struct MoveControls {
+    MenuItem MovesMenu{u"Moves"};
+    std::array<MenuItem, 7> SubMovesMenu{
+        MenuItem(u"Back up one move", u"Ctrl+B"), MenuItem(u"Forward one move", u"Ctrl+F"),
+        MenuItem(u"Back to start", u"Ctrl+S"),    MenuItem(u"Forward to end", u"Ctrl+E"),
+        MenuItem(u"-"),                           MenuItem(u"Move now", u"Ctrl+M"),
+        MenuItem(u"Stop thinking", u"Ctrl+H")};
+
+    /// Toolbar: back to start, back, forward, forward to end, move now, stop thinking.
+    std::array<Control, 6> poke{
+        Control(ControlKind::Image, "poke(0)"), Control(ControlKind::Image, "poke(1)"),
+        Control(ControlKind::Image, "poke(2)"), Control(ControlKind::Image, "poke(3)"),
+        Control(ControlKind::Image, "poke(4)"), Control(ControlKind::Image, "poke(5)")};
+
+    MoveControls();
+
+    bool MoveNowEnabled() const { return SubMovesMenu[MoveNowItem].Enabled; }
+
+    /// Nothing can be done: all items disabled, all buttons hidden.
+    void DisableMoveControls();
+    /// The looks of the thinking and of the idle state, flags apart (EngineControl).
+    void ShowThinking();
+    void ShowIdle();
+    void DisableStop();
+};
+
+} // namespace quarnel
