@@ -62,10 +62,12 @@ draw_pieces() {
 }
 
 # The toolbar images, at every size that a zoom shows them in, on plain screens and on those with two pixels a point.
+# The smallest has drawings of its own, whose edges lie on whole pixels.
 draw_toolbar() {
     local index size
     for index in 0 1 2 3 4 5; do
-        for size in 12 16 20 24 28 32 36 40 64 80; do
+        draw "$vector/toolbar/poke$index-12.svg" 12 12 "$pictures/poke${index}_12.png"
+        for size in 16 20 24 28 32 36 40 64 80; do
             draw "$vector/toolbar/poke$index.svg" $size $size "$pictures/poke${index}_$size.png"
         done
     done
@@ -82,7 +84,10 @@ draw_skins() {
 
 draw_icons() {
     local size
-    for size in 16 24 32 48 64 128 256; do
+    for size in 16 24; do
+        draw "$vector/quarnel-chess-small.svg" $size $size "$icons/quarnel-chess-$size.png"
+    done
+    for size in 32 48 64 128 256; do
         draw "$vector/quarnel-chess.svg" $size $size "$icons/quarnel-chess-$size.png"
     done
 }
