@@ -7,7 +7,8 @@ namespace quarnel {
 namespace {
 
 bool Contains(const Control& control, double x, double y) {
-    return x >= control.Left && y >= control.Top && x < control.Left + control.Width && y < control.Top + control.Height;
+    return x >= control.Left && y >= control.Top && x < control.Left + control.Width &&
+           y < control.Top + control.Height;
 }
 
 // The topmost child of `parent` at (x, y), which become relative to it; null where there is none.
@@ -45,6 +46,17 @@ Control& ControlAt(Form& form, float& x, float& y) {
     x = static_cast<float>(insideX);
     y = static_cast<float>(insideY);
     return *found;
+}
+
+void EventQueue::PushMove(const FormPointerEvent& event) {
+    auto* newest = events_.empty() ? nullptr : std::get_if<FormPointerEvent>(&events_.back());
+    const bool replaces = newest != nullptr && newest->What == event.What && newest->Target == event.Target &&
+                          newest->Pointer.Button == event.Pointer.Button;
+    if (replaces) {
+        *newest = event;
+    } else {
+        events_.emplace_back(event);
+    }
 }
 
 bool EventQueue::DeliverNext() {
@@ -87,7 +99,8 @@ void EventQueue::Deliver(const FormPointerEvent& event) {
     case Action::Release: {
         const bool ends = held && pointer.Button == button_;
         if (ends) pressed_ = nullptr;
-        const bool inside = pointer.X >= 0 && pointer.Y >= 0 && pointer.X < control->Width && pointer.Y < control->Height;
+        const bool inside =
+            pointer.X >= 0 && pointer.Y >= 0 && pointer.X < control->Width && pointer.Y < control->Height;
         Call(control->OnMouseUp, pointer);
         if (ends && inside && pointer.Button == PointerButton::Left) Call(control->OnClick);
         break;

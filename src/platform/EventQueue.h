@@ -29,6 +29,9 @@ using WindowEvent = std::variant<FormPointerEvent, MenuClickEvent>;
 class EventQueue {
   public:
     void Push(WindowEvent event) { events_.push_back(std::move(event)); }
+    /// Appends a pointer move. It takes the place of a move of the same form and button that is the newest
+    /// event waiting, so that a pointer faster than the program leaves no row of old positions behind it.
+    void PushMove(const FormPointerEvent& event);
     bool Empty() const { return events_.empty(); }
 
     /// Takes the oldest event out and runs its handlers; false when there was none.
@@ -51,7 +54,7 @@ class EventQueue {
 
     std::deque<WindowEvent> events_;
     std::vector<Form*> modal_;
-    Control* pressed_ = nullptr;  ///< has the pointer until the buttons are released
+    Control* pressed_ = nullptr; ///< has the pointer until the buttons are released
     PointerButton button_ = PointerButton::None;
 };
 
