@@ -63,9 +63,14 @@ double LeadingNumber(TextView text) {
     return std::strtod(NumberPrefix(packed).c_str(), nullptr);
 }
 
+std::optional<std::int16_t> ToInteger16(int number) {
+    if (number < INT16_MIN || number > INT16_MAX) return std::nullopt;
+    return static_cast<std::int16_t>(number);
+}
+
 std::optional<std::int16_t> ToInteger16(TextView text) {
     const auto value = WholeNumberText(TrimBlanks(text));
-    if (!value || *value != std::floor(*value) || *value < -32768 || *value > 32767) return std::nullopt;
+    if (!value || *value != std::floor(*value) || *value < INT16_MIN || *value > INT16_MAX) return std::nullopt;
     return static_cast<std::int16_t>(*value);
 }
 

@@ -18,6 +18,9 @@ int RoundHalfEven(double value);
 /// digits, a decimal point and an exponent are read as far as they go. 0 when there are no digits.
 double LeadingNumber(TextView text);
 
+/// `number` as 16 bits; nothing when it does not fit.
+std::optional<std::int16_t> ToInteger16(int number);
+
 /// A whole number from -32768 to 32767, blanks around it allowed; nothing for any other text.
 std::optional<std::int16_t> ToInteger16(TextView text);
 

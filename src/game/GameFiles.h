@@ -1,0 +1,48 @@
+// Saves the game at the position shown and loads it again.
+//
+// Both end at their first failure with the message "Error!"; a cancelled dialog is one. Files are in
+// the desktop's 8-bit code page. Program thread only.
+#pragma once
+
+#include "controls/MessageBox.h"
+#include "game/CtrlPanel.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace quarnel {
+
+class GameFiles {
+  public:
+    GameFiles(GameState& state, CtrlPanel& panel, BoardRenderer& renderer, MessageBox& messages, Form& frmBoard,
+              Desktop& desktop)
+        : state_(state), panel_(panel), renderer_(renderer), messages_(messages), frmBoard_(frmBoard),
+          desktop_(desktop) {}
+
+    /// Writes the plies up to PlyNow. On a failure the file may be left partly written.
+    void SaveGame();
+
+    /// Replaces the game with one read from a file. Failing before the first line was read leaves the
+    /// game as it is; failing later leaves a new game, the user's side as the file has it.
+    void LoadGame();
+
+  private:
+    /// What ends a procedure: a path, a file or a line that is not as it must be.
+    struct Failure {};
+
+    std::filesystem::path ShowFileDialog(bool save, const Text& title);
+    void WriteRecord(const std::filesystem::path& path, int plies, int lines);
+    /// False when the record was out of sequence.
+    bool ReadRecord(std::ifstream& file);
+    void TakeSides(bool userIsWhite);
+    void EndWith(const Text& message) { messages_.MsgBoxXP(message); }
+
+    GameState& state_;
+    CtrlPanel& panel_;
+    BoardRenderer& renderer_;
+    MessageBox& messages_;
+    Form& frmBoard_;
+    Desktop& desktop_;
+};
+
+} // namespace quarnel
