@@ -330,8 +330,8 @@ TEST(Toolbar, EverySizeExistsAndShowsAnImage) {
             EXPECT_GT(drawn, size * size / 8);
             EXPECT_LT(drawn, size * size / 2);
             for (int i = 0; i < size; ++i) {
-                EXPECT_EQ(At(picture, i, 0), 0u);
-                EXPECT_EQ(At(picture, i, size - 1), 0u);
+                EXPECT_EQ(At(picture, i, 0), 0U);
+                EXPECT_EQ(At(picture, i, size - 1), 0U);
             }
         }
     }
