@@ -35,6 +35,7 @@ class PieceAnimation {
     bool Slide(const Position& position, MoveRec& move, Truth NoMarks);
     bool RunSlide(int piece, const Path& path);
     void DrawDragged();
+    void KeepDragPosition();
 
     GameState& state_;
     ControllerState& controller_;

@@ -1,0 +1,98 @@
+#include "display/ZoomMenu.h"
+
+#include "base/Numbers.h"
+#include "base/Step.h"
+
+#include <cmath>
+
+namespace quarnel {
+
+namespace {
+
+constexpr const char16_t* Application = u"Quarnel Chess";
+constexpr const char16_t* Section = u"Settings";
+constexpr float TwipsPerPixel = 15;
+constexpr int LargestFont = 32767;
+
+void Place(Control& control, double left, double top, double width, double height) {
+    control.Left = left;
+    control.Top = top;
+    control.Width = width;
+    control.Height = height;
+}
+
+// Leaves the size as it is when there is no such font.
+void SetFontSize(Control& label, int points) {
+    if (points < 1 || points > LargestFont) return;
+    FontSpec font = label.Font;
+    font.Points = points;
+    label.Font = font;
+}
+
+} // namespace
+
+ZoomMenu::ZoomMenu(GameState& state, BoardRenderer& renderer, StatusStrip& status, ZoomedControls controls,
+                   Form& frmBoard, Desktop& desktop)
+    : vw{MenuItem(u"75 %"),  MenuItem(u"100 %"), MenuItem(u"125 %"), MenuItem(u"150 %"),
+         MenuItem(u"175 %"), MenuItem(u"200 %"), MenuItem(u"225 %"), MenuItem(u"250 %")},
+      state_(state), renderer_(renderer), status_(status), controls_(controls), frmBoard_(frmBoard), desktop_(desktop) {
+    vw[1].Checked = true;
+    for (std::size_t i = 0; i < vw.size(); ++i) {
+        vw[i].OnClick = [this, i] { vw_Click(static_cast<std::int16_t>(i)); };
+    }
+}
+
+void ZoomMenu::MeasureWindow() {
+    const Size inner = desktop_.InnerSize(frmBoard_);
+    const Size outer = desktop_.OuterSize(frmBoard_);
+    clientWidth_ = static_cast<float>(inner.Width) * TwipsPerPixel;
+    clientHeight_ = static_cast<float>(inner.Height) * TwipsPerPixel;
+    borderWidth_ = static_cast<float>(outer.Width) * TwipsPerPixel - clientWidth_;
+    borderHeight_ = static_cast<float>(outer.Height) * TwipsPerPixel - clientHeight_;
+}
+
+void ZoomMenu::vw_Click(std::int16_t index) {
+    for (MenuItem& item : vw) item.Checked = false;
+    for (Control& button : controls_.poke) button.Stretch = true;
+    Step(ElementAt(vw, index), [](MenuItem& item) { item.Checked = true; });
+    desktop_.WriteSetting(Application, Section, u"Wsize", ToText(index));
+    if (index >= 0 && index <= 7) state_.Zoom = 0.75F + 0.25F * index;
+    SetFontSize(status_.mdis, index + 7);
+    if (index > 1) SetFontSize(status_.mdis, 2 * index + 7);
+
+    status_.crtkalica.Visible = false;
+    frmBoard_.OuterWidth = state_.Zoom * clientWidth_ + borderWidth_;
+    frmBoard_.OuterHeight = state_.Zoom * clientHeight_ + borderHeight_;
+    controls_.Picture2.Visible = false;
+    LayOut(state_.Zoom);
+
+    status_.crtkalica.Visible = true;
+    renderer_.RedrawBoard();
+    controls_.Picture2.Visible = true;
+}
+
+// Places the border's controls for the zoom `z`, in window pixels.
+void ZoomMenu::LayOut(double z) {
+    Place(controls_.Picture2, 25 * z, 347 * z, 128 * z, 16 * z);
+
+    const Size inner = desktop_.InnerSize(frmBoard_);
+    controls_.Picture1.Left = std::trunc((inner.Width - controls_.Picture1.Width) / 2) - 1;
+    controls_.Picture1.Top = std::trunc((inner.Height - controls_.Picture1.Height) / 2);
+
+    constexpr double ButtonLeft[] = {0, 16, 40, 56, 96, 112};
+    const double buttonTop = z == 1.5 || z == 2.0 || z == 2.5 ? -2 : -1;
+    for (std::size_t i = 0; i < controls_.poke.size(); ++i) {
+        Place(controls_.poke[i], ButtonLeft[i] * z, buttonTop, 16 * z, 16 * z);
+    }
+    Place(status_.Picture4[0], 349 * z, 328 * z, 9 * z, 9 * z);
+    Place(status_.Picture4[1], 349 * z, 32 * z, 9 * z, 9 * z);
+    Place(status_.crtkalica, 180 * z, 346 * z, 153 * z, 17 * z);
+    Place(status_.mdis, 0, 0, 153 * z, 17 * z);
+}
+
+void ZoomMenu::ApplySavedZoom() {
+    const Text saved = desktop_.ReadSetting(Application, Section, u"WSize", u"1");
+    Step(ToInteger16(saved), [this](std::int16_t index) { vw_Click(index); });
+}
+
+} // namespace quarnel
