@@ -53,6 +53,7 @@ class ctrl_SkinableButton {
     void MouseDown(const PointerEvent& event);
     void MouseUp(const PointerEvent& event);
 
+    const Surface pic_Buttons_; ///< the skin strip
     ResizeBox box_;
     Text caption_;
     bool enabled_ = true;
