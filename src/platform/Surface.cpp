@@ -99,6 +99,7 @@ struct Resampling {
     std::vector<int> First;
     std::vector<std::int16_t> Weights; ///< Taps for each result sample, together One
 
+    int FirstOf(int i) const { return First[static_cast<std::size_t>(i)]; }
     const std::int16_t* WeightsOf(int i) const { return Weights.data() + static_cast<std::ptrdiff_t>(i) * Taps; }
 };
 
@@ -169,30 +170,39 @@ Resampling TableFor(int sourceSize, int size) {
     return size <= sourceSize ? Averages(sourceSize, size) : Cubics(sourceSize, size);
 }
 
-// Adds up `length` samples: to[i] is the sum of the weighted from[i + k * stride]. Samples come with
+// Samples are weighed up in blocks of one size, which every compiler turns into vector instructions.
+constexpr int Bundle = 8; ///< rows that are stretched side by side
+constexpr int Block = Bundle * Channels;
+
+// Adds up a block of samples: to[i] is the sum of the weighted from[i + k * stride]. Samples come with
 // SampleBits below the point and leave with SumBits.
 //
 // With few taps every product drops its low 16 bits alone, so that eight fit a vector register; what four
-// of them lose together is less than what the rounding forgives.
+// of them lose together is less than what the rounding forgives. The parts are written out because a loop
+// over them keeps some compilers from vector instructions.
 template <int FixedTaps>
 void WeighUp(const std::int16_t* __restrict from, std::ptrdiff_t stride, const std::int16_t* __restrict weights,
-             int anyTaps, int length, std::int16_t* __restrict to) {
-    for (int i = 0; i < length; ++i) {
-        if constexpr (FixedTaps != 0) {
-            std::int16_t sum = FixedTaps / 2;
-            for (int k = 0; k < FixedTaps; ++k) {
-                sum = static_cast<std::int16_t>(sum + ((weights[k] * from[i + k * stride]) >> 16));
-            }
+             int anyTaps, std::int16_t* __restrict to) {
+    if constexpr (FixedTaps != 0) {
+        const auto part = [=](int i, int k) {
+            return static_cast<std::int16_t>((weights[k] * from[i + k * stride]) >> 16);
+        };
+        for (int i = 0; i < Block; ++i) {
+            std::int16_t sum = static_cast<std::int16_t>(FixedTaps / 2 + part(i, 0) + part(i, 1) + part(i, 2));
+            if constexpr (FixedTaps == 4) sum = static_cast<std::int16_t>(sum + part(i, 3));
             to[i] = sum;
-        } else {
-            std::int32_t sum = 1 << 15;
-            for (int k = 0; k < anyTaps; ++k) sum += weights[k] * from[i + k * stride];
-            to[i] = static_cast<std::int16_t>(sum >> 16);
         }
+    } else {
+        std::int32_t sums[Block];
+        std::fill_n(sums, Block, 1 << 15);
+        for (int k = 0; k < anyTaps; ++k) {
+            for (int i = 0; i < Block; ++i) sums[i] += weights[k] * from[i + k * stride];
+        }
+        for (int i = 0; i < Block; ++i) to[i] = static_cast<std::int16_t>(sums[i] >> 16);
     }
 }
 
-using WeighUpTaps = void (*)(const std::int16_t*, std::ptrdiff_t, const std::int16_t*, int, int, std::int16_t*);
+using WeighUpTaps = void (*)(const std::int16_t*, std::ptrdiff_t, const std::int16_t*, int, std::int16_t*);
 
 WeighUpTaps WeighUpFor(int taps) {
     return taps == 4 ? WeighUp<4> : taps == 3 ? WeighUp<3> : WeighUp<0>;
@@ -206,34 +216,47 @@ std::uint8_t* RowBytes(Surface& surface, int y) {
     return reinterpret_cast<std::uint8_t*>(surface.Pixels() + static_cast<std::ptrdiff_t>(y) * surface.Width());
 }
 
-// Rows are stretched in bundles, so that what stands side by side in memory is treated alike.
-constexpr int Bundle = 8;
-constexpr int BundleSamples = Bundle * Channels;
-
-// Stretches up to Bundle rows of `source` from row `y` on into the rows of `middle`.
-void StretchBundle(const Surface& source, int y, int rows, const Resampling& across, std::vector<std::int16_t>& bundle,
-                   std::int16_t* middle) {
+// Stretches up to Bundle rows of `source` from row `y` on into the rows of `middle`, `length` samples each.
+// `bundle` holds a block for each source column.
+void StretchAcross(const Surface& source, int y, const Resampling& across, std::int16_t* bundle, std::int16_t* middle,
+                   std::ptrdiff_t length, int rows) {
     for (int r = 0; r < rows; ++r) {
         const std::uint8_t* bytes = RowBytes(source, y + r);
-        for (int x = 0; x < across.SourceSize; ++x) {
-            std::int16_t* samples = bundle.data() + static_cast<std::ptrdiff_t>(x) * BundleSamples + r * Channels;
-            for (int c = 0; c < Channels; ++c)
-                samples[c] = static_cast<std::int16_t>(bytes[x * Channels + c] << SampleBits);
+        for (int x = 0; x < across.SourceSize; ++x, bytes += Channels) {
+            std::int16_t* samples = bundle + static_cast<std::ptrdiff_t>(x) * Block + r * Channels;
+            for (int c = 0; c < Channels; ++c) samples[c] = static_cast<std::int16_t>(bytes[c] << SampleBits);
         }
     }
     const auto weighUp = WeighUpFor(across.Taps);
     const auto width = static_cast<int>(across.First.size());
     for (int x = 0; x < width; ++x) {
-        std::int16_t sums[BundleSamples];
-        weighUp(bundle.data() + static_cast<std::ptrdiff_t>(across.First[x]) * BundleSamples, BundleSamples,
-                across.WeightsOf(x), across.Taps, BundleSamples, sums);
+        std::int16_t sums[Block];
+        weighUp(bundle + static_cast<std::ptrdiff_t>(across.FirstOf(x)) * Block, Block, across.WeightsOf(x),
+                across.Taps, sums);
         for (std::int16_t& sum : sums) {
-            sum = static_cast<std::int16_t>(std::clamp<int>(sum, 0, 255 << SumBits) << (SampleBits - SumBits));
+            const auto inside = std::clamp<std::int16_t>(sum, 0, 255 << SumBits);
+            sum = static_cast<std::int16_t>(inside << (SampleBits - SumBits));
         }
         for (int r = 0; r < rows; ++r) {
-            std::copy_n(sums + r * Channels, Channels,
-                        middle + (static_cast<std::ptrdiff_t>(r) * width + x) * Channels);
+            std::copy_n(sums + r * Channels, Channels, middle + r * length + static_cast<std::ptrdiff_t>(x) * Channels);
         }
+    }
+}
+
+// Makes `count` bytes, one row of the result, of the `down.Taps` rows of `middle` that belong to row `y`.
+void StretchDown(const std::int16_t* middle, std::ptrdiff_t length, const Resampling& down, int y, std::uint8_t* to,
+                 int count) {
+    const auto weighUp = WeighUpFor(down.Taps);
+    const std::int16_t* from = middle + down.FirstOf(y) * length;
+    for (int i = 0; i < count; i += Block) {
+        std::int16_t sums[Block];
+        std::uint8_t bytes[Block];
+        weighUp(from + i, length, down.WeightsOf(y), down.Taps, sums);
+        for (int k = 0; k < Block; ++k) {
+            const auto rounded = static_cast<std::int16_t>((sums[k] + (1 << (SumBits - 1))) >> SumBits);
+            bytes[k] = static_cast<std::uint8_t>(std::clamp<std::int16_t>(rounded, 0, 255));
+        }
+        std::copy_n(bytes, std::min(Block, count - i), to + i);
     }
 }
 
@@ -241,33 +264,22 @@ void StretchBundle(const Surface& source, int y, int rows, const Resampling& acr
 
 Surface StretchBlt(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
     Surface result(width, height);
+    const int count = width * Channels;
     if (width == sourceWidth && height == sourceHeight) {
-        for (int y = 0; y < height; ++y) {
-            std::copy_n(RowBytes(source, y), static_cast<std::ptrdiff_t>(width) * Channels, RowBytes(result, y));
-        }
+        for (int y = 0; y < height; ++y) std::copy_n(RowBytes(source, y), count, RowBytes(result, y));
         return result;
     }
     const Resampling across = TableFor(sourceWidth, width);
     const Resampling down = TableFor(sourceHeight, height);
-    const std::ptrdiff_t length = static_cast<std::ptrdiff_t>(width) * Channels;
-
+    // Rows of whole blocks.
+    const std::ptrdiff_t length = (count + Block - 1) / Block * Block;
     std::vector<std::int16_t> middle(static_cast<std::size_t>(length * sourceHeight));
-    std::vector<std::int16_t> bundle(static_cast<std::size_t>(sourceWidth) * BundleSamples);
+    std::vector<std::int16_t> bundle(static_cast<std::size_t>(sourceWidth) * Block);
     for (int y = 0; y < sourceHeight; y += Bundle) {
-        StretchBundle(source, y, std::min(Bundle, sourceHeight - y), across, bundle, middle.data() + y * length);
+        const int rows = std::min(Bundle, sourceHeight - y);
+        StretchAcross(source, y, across, bundle.data(), middle.data() + y * length, length, rows);
     }
-
-    std::vector<std::int16_t> sums(static_cast<std::size_t>(length));
-    const auto weighUp = WeighUpFor(down.Taps);
-    for (int y = 0; y < height; ++y) {
-        weighUp(middle.data() + down.First[y] * length, length, down.WeightsOf(y), down.Taps, static_cast<int>(length),
-                sums.data());
-        std::uint8_t* bytes = RowBytes(result, y);
-        for (std::ptrdiff_t i = 0; i < length; ++i) {
-            const int value = (sums[i] + (1 << (SumBits - 1))) >> SumBits;
-            bytes[i] = static_cast<std::uint8_t>(std::clamp(value, 0, 255));
-        }
-    }
+    for (int y = 0; y < height; ++y) StretchDown(middle.data(), length, down, y, RowBytes(result, y), count);
     return result;
 }
 
