@@ -1,0 +1,159 @@
+#include "platform/qt/FormCanvas.h"
+
+#include "platform/qt/Conversions.h"
+
+#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QToolTip>
+#include <QWindow>
+
+#include <utility>
+
+namespace quarnel {
+
+namespace {
+
+using Action = FormPointerEvent::Action;
+
+constexpr std::pair<Qt::MouseButton, PointerButton> Buttons[] = {
+    {Qt::LeftButton, PointerButton::Left},
+    {Qt::RightButton, PointerButton::Right},
+    {Qt::MiddleButton, PointerButton::Middle},
+};
+
+// The first of `buttons` that the program knows.
+PointerButton ToPointerButton(Qt::MouseButtons buttons) {
+    for (const auto& [qtButton, button] : Buttons) {
+        if (buttons.testFlag(qtButton)) return button;
+    }
+    return PointerButton::None;
+}
+
+int ToShift(Qt::KeyboardModifiers keys) {
+    return (keys.testFlag(Qt::ShiftModifier) ? 1 : 0) + (keys.testFlag(Qt::ControlModifier) ? 2 : 0) +
+           (keys.testFlag(Qt::AltModifier) ? 4 : 0);
+}
+
+} // namespace
+
+FormCanvas::FormCanvas(Form& form, EventQueue& queue, QWidget* parent) : QWidget(parent), form_(&form), queue_(queue) {
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void FormCanvas::Present(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
+    painter_.SetFrame(source, sourceWidth, sourceHeight, width, height);
+    Refresh();
+}
+
+void FormCanvas::Refresh() {
+    painted_ = nullptr;
+    update();
+}
+
+void FormCanvas::Forget() {
+    form_ = nullptr;
+}
+
+void FormCanvas::paintEvent(QPaintEvent* event) {
+    const double ratio = devicePixelRatioF();
+    const QSize needed(qMax(1, qCeil(width() * ratio)), qMax(1, qCeil(height() * ratio)));
+    const bool current = painted_ != nullptr && paintedRatio_ == ratio && painted_->size() == needed;
+    if (!current && form_ != nullptr) {
+        painted_ = &painter_.Paint(*form_, size(), ratio);
+        paintedRatio_ = ratio;
+    }
+    if (painted_ == nullptr) return;
+    QImage image = *painted_;
+    image.setDevicePixelRatio(ratio);
+    QPainter painter(this);
+    painter.setClipRegion(event->region());
+    painter.drawImage(0, 0, image);
+}
+
+void FormCanvas::Push(Action what, PointerButton button, Qt::KeyboardModifiers keys, const QPointF& at) {
+    if (form_ == nullptr) return;
+    const FormPointerEvent event{
+        what, form_, {button, ToShift(keys), static_cast<float>(at.x()), static_cast<float>(at.y())}};
+    if (what == Action::Move) {
+        queue_.PushMove(event);
+    } else {
+        queue_.Push(event);
+    }
+}
+
+void FormCanvas::PushClick(double x, double y) {
+    Push(Action::Press, PointerButton::Left, {}, {x, y});
+    Push(Action::Release, PointerButton::Left, {}, {x, y});
+}
+
+void FormCanvas::mousePressEvent(QMouseEvent* event) {
+    const PointerButton button = ToPointerButton(event->button());
+    if (button == PointerButton::None) return;
+    pressed_ |= event->button();
+    grabbedAt_ = event->globalPosition().toPoint() - window()->pos();
+    Push(Action::Press, button, event->modifiers(), event->position());
+}
+
+void FormCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
+    mousePressEvent(event);
+}
+
+void FormCanvas::mouseReleaseEvent(QMouseEvent* event) {
+    ReleaseAllBut(event->buttons(), *event);
+}
+
+void FormCanvas::mouseMoveEvent(QMouseEvent* event) {
+    ReleaseAllBut(event->buttons(), *event);
+    if (carrying_) {
+        window()->move(event->globalPosition().toPoint() - grabbedAt_);
+        return;
+    }
+    Push(Action::Move, ToPointerButton(event->buttons()), event->modifiers(), event->position());
+}
+
+// A release can get lost, for example when the window manager takes the pointer away in the middle of a press. It is
+// made up for as soon as the pointer is seen without the button.
+void FormCanvas::ReleaseAllBut(Qt::MouseButtons held, const QMouseEvent& event) {
+    for (const auto& [qtButton, button] : Buttons) {
+        if (!pressed_.testFlag(qtButton) || held.testFlag(qtButton)) continue;
+        pressed_.setFlag(qtButton, false);
+        if (qtButton == Qt::LeftButton) carrying_ = false;
+        Push(Action::Release, button, event.modifiers(), event.position());
+    }
+}
+
+void FormCanvas::CarryWindow() {
+    if (carrying_ || !pressed_.testFlag(Qt::LeftButton)) return;
+    // Only the desktop itself can move windows under Wayland; it keeps the release to itself.
+    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {
+        pressed_.setFlag(Qt::LeftButton, false);
+        window()->windowHandle()->startSystemMove();
+        Push(Action::Release, PointerButton::Left, {}, grabbedAt_);
+        return;
+    }
+    carrying_ = true;
+}
+
+bool FormCanvas::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        if (ShowToolTip(help->pos(), help->globalPos())) return true;
+    }
+    return QWidget::event(event);
+}
+
+bool FormCanvas::ShowToolTip(const QPoint& at, const QPoint& onScreen) {
+    if (form_ == nullptr) return false;
+    auto x = static_cast<float>(at.x());
+    auto y = static_cast<float>(at.y());
+    const Control& control = ControlAt(*form_, x, y);
+    if (control.ToolTip.Get().empty()) return false;
+    const QRectF area(at.x() - x, at.y() - y, control.Width, control.Height);
+    QToolTip::showText(onScreen, ToQString(control.ToolTip.Get()), this, area.toAlignedRect());
+    return true;
+}
+
+} // namespace quarnel

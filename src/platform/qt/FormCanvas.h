@@ -1,0 +1,57 @@
+// The inner area of a form's window: paints the form and reports the pointer.
+//
+// Its handlers only push events; program code never runs inside them. The pointer's position is given in the form's
+// pixels. A press is always followed by its release, even when the system loses it.
+#pragma once
+
+#include "platform/EventQueue.h"
+#include "platform/qt/FormPainter.h"
+
+#include <QPoint>
+#include <QWidget>
+
+namespace quarnel {
+
+class FormCanvas : public QWidget {
+    Q_OBJECT
+  public:
+    /// `form` and `queue` must outlive the canvas or, for the form, the call of Forget().
+    FormCanvas(Form& form, EventQueue& queue, QWidget* parent);
+
+    /// The form shown, null once it was forgotten.
+    Form* ShownForm() const { return form_; }
+
+    void Present(const Surface& source, int sourceWidth, int sourceHeight, int width, int height);
+    /// Paints anew as soon as events are processed.
+    void Refresh();
+    /// Lets the pressed pointer carry the window until the release.
+    void CarryWindow();
+    /// Pushes a press and a release of the left button at (x, y).
+    void PushClick(double x, double y);
+    /// The form goes away; what is on the screen stays until the window does.
+    void Forget();
+
+  protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+
+  private:
+    void Push(FormPointerEvent::Action what, PointerButton button, Qt::KeyboardModifiers keys, const QPointF& at);
+    void ReleaseAllBut(Qt::MouseButtons held, const QMouseEvent& event);
+    bool ShowToolTip(const QPoint& at, const QPoint& onScreen);
+
+    Form* form_;
+    EventQueue& queue_;
+    FormPainter painter_;
+    const QImage* painted_ = nullptr; ///< the painter's picture while it is up to date
+    double paintedRatio_ = 0;
+    Qt::MouseButtons pressed_; ///< buttons whose press was pushed and whose release was not
+    QPoint grabbedAt_;         ///< where in the window the last press was
+    bool carrying_ = false;
+};
+
+} // namespace quarnel

@@ -1,0 +1,139 @@
+#include "platform/qt/FormPainter.h"
+
+#include "base/Numbers.h"
+#include "platform/qt/Conversions.h"
+#include "platform/qt/Fonts.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quarnel {
+
+namespace {
+
+constexpr Colour DisabledText = Rgb(128, 128, 128);
+
+// How much larger or smaller a picture becomes, 0 for not at all; growing counts a little more, because it blurs.
+double StretchCost(const Surface& picture, int width, int height) {
+    const auto cost = [](double from, double to) {
+        return to > from ? 1.25 * std::log(to / from) : std::log(from / to);
+    };
+    return cost(picture.Width(), width) + cost(picture.Height(), height);
+}
+
+const Surface* BestSize(const Picture& picture, int width, int height) {
+    const Surface* best = nullptr;
+    for (const Surface& size : picture) {
+        if (size.Empty()) continue;
+        if (best == nullptr || StretchCost(size, width, height) < StretchCost(*best, width, height)) best = &size;
+    }
+    return best;
+}
+
+// `surface` with its colours multiplied by alpha, so that transparent pixels do not darken their neighbours when the
+// picture is stretched.
+Surface Premultiplied(const Surface& surface) {
+    Surface result(surface.Width(), surface.Height());
+    const std::size_t count = static_cast<std::size_t>(surface.Width()) * surface.Height();
+    std::transform(surface.Pixels(), surface.Pixels() + count, result.Pixels(),
+                   [](QRgb pixel) { return qPremultiply(pixel); });
+    return result;
+}
+
+// Interpolation may leave a colour a little above its alpha, which the toolkit does not expect.
+QRgb WithinAlpha(QRgb pixel) {
+    const int alpha = qAlpha(pixel);
+    return qRgba(std::min(qRed(pixel), alpha), std::min(qGreen(pixel), alpha), std::min(qBlue(pixel), alpha), alpha);
+}
+
+QImage Stretched(const Surface& source, int width, int height) {
+    Surface result = StretchBlt(Premultiplied(source), source.Width(), source.Height(), width, height);
+    const std::size_t count = static_cast<std::size_t>(width) * height;
+    std::transform(result.Pixels(), result.Pixels() + count, result.Pixels(), WithinAlpha);
+    return ImageOf(result, QImage::Format_ARGB32_Premultiplied).copy();
+}
+
+} // namespace
+
+void FormPainter::SetFrame(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
+    if (frame_.Source.Width() != sourceWidth || frame_.Source.Height() != sourceHeight) {
+        frame_.Source = Surface(sourceWidth, sourceHeight);
+    }
+    BitBlt(frame_.Source, 0, 0, sourceWidth, sourceHeight, source, 0, 0, RasterOp::SrcCopy);
+    frame_.Width = width;
+    frame_.Height = height;
+}
+
+const QImage& FormPainter::Paint(const Form& form, const QSize& size, double ratio) {
+    const int width = std::max(1, static_cast<int>(std::ceil(size.width() * ratio)));
+    const int height = std::max(1, static_cast<int>(std::ceil(size.height() * ratio)));
+    if (image_.width() != width || image_.height() != height) {
+        image_ = QImage(width, height, QImage::Format_RGB32);
+        SetDotsPerInch(image_);
+        stretched_.clear();
+    }
+    ratio_ = ratio;
+    QPainter painter(&image_);
+    PaintControl(painter, form, image_.rect());
+    PaintFrame(painter);
+    PaintChildren(painter, form, 0, 0, image_.rect());
+    return image_;
+}
+
+void FormPainter::PaintFrame(QPainter& painter) {
+    if (frame_.Source.Empty()) return;
+    const int width = std::max(1, RoundHalfEven(frame_.Width * ratio_));
+    const int height = std::max(1, RoundHalfEven(frame_.Height * ratio_));
+    const Surface stretched = StretchBlt(frame_.Source, frame_.Source.Width(), frame_.Source.Height(), width, height);
+    painter.drawImage(0, 0, ImageOf(stretched, QImage::Format_RGB32));
+}
+
+QRect FormPainter::DeviceBox(double left, double top, double width, double height) const {
+    const QPoint topLeft(RoundHalfEven(left * ratio_), RoundHalfEven(top * ratio_));
+    const QPoint end(RoundHalfEven((left + width) * ratio_), RoundHalfEven((top + height) * ratio_));
+    return {topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y())};
+}
+
+void FormPainter::PaintChildren(QPainter& painter, const Control& parent, double left, double top, const QRect& clip) {
+    for (const Control* child : parent.Children()) {
+        const double childLeft = left + child->Left;
+        const double childTop = top + child->Top;
+        const QRect box = DeviceBox(childLeft, childTop, child->Width, child->Height);
+        const QRect shown = box & clip;
+        if (!child->Visible.Get() || shown.isEmpty()) continue;
+        painter.setClipRect(shown);
+        PaintControl(painter, *child, box);
+        PaintChildren(painter, *child, childLeft, childTop, shown);
+    }
+}
+
+void FormPainter::PaintControl(QPainter& painter, const Control& control, const QRect& box) {
+    if (control.Kind == ControlKind::Form || control.Kind == ControlKind::Picture) {
+        painter.fillRect(box, ToQColor(control.BackColor));
+    }
+    if (const PictureRef& picture = control.Image; picture != nullptr && !picture->empty()) {
+        const bool stretch = control.Stretch;
+        const int width = stretch ? box.width() : RoundHalfEven(picture->front().Width() * ratio_);
+        const int height = stretch ? box.height() : RoundHalfEven(picture->front().Height() * ratio_);
+        if (width > 0 && height > 0) painter.drawImage(box.topLeft(), StretchedPicture(picture, width, height));
+    }
+    if (control.Kind == ControlKind::Label) {
+        painter.setPen(ToQColor(control.Enabled ? control.ForeColor.Get() : DisabledText));
+        DrawTextBox(painter, box, control.Caption, FontFor(control.Font, ratio_),
+                    {control.TextAlignment, control.WordWrap});
+    }
+}
+
+const QImage& FormPainter::StretchedPicture(const PictureRef& picture, int width, int height) {
+    const StretchKey key(picture, width, height);
+    const auto known = stretched_.find(key);
+    if (known != stretched_.end()) return known->second;
+
+    // Enough for every control of a form; a form whose pictures keep changing must not fill the memory.
+    constexpr std::size_t MostKept = 100;
+    if (stretched_.size() >= MostKept) stretched_.clear();
+    const Surface* best = BestSize(*picture, width, height);
+    return stretched_[key] = best != nullptr ? Stretched(*best, width, height) : QImage();
+}
+
+} // namespace quarnel
