@@ -1,7 +1,8 @@
 #include "base/Numbers.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
+#include <limits>
 
 namespace quarnel {
 
@@ -46,11 +47,19 @@ std::string NumberPrefix(TextView text) {
     return number;
 }
 
+// The value of what NumberPrefix() gives, whatever the desktop's locale takes for a decimal point.
+double ValueOf(const std::string& number) {
+    double value = 0;
+    const char* first = number.data() + (number.starts_with('+') ? 1 : 0);
+    const auto result = std::from_chars(first, number.data() + number.size(), value);
+    return result.ec == std::errc::result_out_of_range ? std::numeric_limits<double>::infinity() : value;
+}
+
 // Whether the whole of `text` is a decimal number, and which.
 std::optional<double> WholeNumberText(TextView text) {
     const std::string number = NumberPrefix(text);
     if (number.empty() || number.size() != text.size()) return std::nullopt;
-    return std::strtod(number.c_str(), nullptr);
+    return ValueOf(number);
 }
 
 } // namespace
@@ -60,7 +69,7 @@ double LeadingNumber(TextView text) {
     for (const char16_t c : text) {
         if (c != u' ' && c != u'\t' && c != u'\n') packed += c;
     }
-    return std::strtod(NumberPrefix(packed).c_str(), nullptr);
+    return ValueOf(NumberPrefix(packed));
 }
 
 std::optional<std::int16_t> ToInteger16(int number) {
