@@ -13,7 +13,7 @@ constexpr double TwipsPerPixel = 15;
 constexpr Size DesignedInnerSize{361, 362};
 constexpr Colour FrameColour = Rgb(89, 0, 0);
 constexpr Colour ToolbarColour = Rgb(192, 64, 0);
-constexpr Colour PanelColour = Rgb(238, 232, 220);
+constexpr Colour PanelColour = Rgb(206, 206, 206);
 constexpr Size PanelSize{268, 262};
 constexpr int PanelMargin = 8;
 constexpr int PanelButtonWidth = 72;
