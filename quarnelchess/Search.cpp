@@ -1,0 +1,158 @@
+#include "Search.h"
+
+#include "MoveGen.h"
+#include "SearchWorker.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace quarnel::engine {
+namespace {
+constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();
+} // namespace
+
+Search::Search(Clock& clock) : clock_(clock) {
+    SetThreads(1);
+    thread_ = std::thread([this] { Loop(); });
+}
+
+Search::~Search() {
+    Stop();
+    {
+        const std::lock_guard lock(mutex_);
+        quit_ = true;
+    }
+    wake_.notify_one();
+    thread_.join();
+}
+
+void Search::SetThreads(int count) {
+    Stop();
+    Result();
+    const auto wanted = static_cast<std::size_t>(std::clamp(count, 1, 64));
+    while (workers_.size() > wanted) workers_.pop_back();
+    while (workers_.size() < wanted)
+        workers_.push_back(std::make_unique<SearchWorker>(*this, static_cast<int>(workers_.size())));
+}
+
+void Search::SetHash(std::size_t megabytes) {
+    Stop();
+    Result();
+    table_.Resize(megabytes);
+}
+
+void Search::SetSeed(std::uint64_t seed) {
+    Stop();
+    Result();
+    seed_ = seed;
+    searches_ = 0;
+}
+
+void Search::NewGame() {
+    Stop();
+    Result();
+    table_.Clear();
+    for (auto& worker : workers_) worker->Clear();
+}
+
+void Search::Start(const SearchRoot& root, const SearchLimits& limits, InfoCallback info) {
+    Stop();
+    Result();
+    root_ = root;
+    limits_ = limits;
+    handicap_ = HandicapFor(limits.Skill);
+    info_ = std::move(info);
+    result_ = {};
+    stop_.store(false, std::memory_order_relaxed);
+    pondering_.store(limits.Ponder, std::memory_order_relaxed);
+    startMs_ = limits.StartMs >= 0 ? limits.StartMs : clock_.NowMs();
+    SetDeadlines(startMs_);
+    running_.store(true, std::memory_order_release);
+    {
+        const std::lock_guard lock(mutex_);
+        requested_ = true;
+    }
+    wake_.notify_one();
+}
+
+void Search::SetDeadlines(std::int64_t startMs) {
+    std::int64_t soft = Never;
+    std::int64_t hard = Never;
+    if (limits_.MoveTimeMs >= 0) {
+        soft = hard = startMs + limits_.MoveTimeMs;
+    } else if (limits_.RemainingMs >= 0) {
+        // An even share of what is left, and never so much that the next moves starve.
+        const int moves = limits_.MovesToGo > 0 ? std::min(limits_.MovesToGo, 40) : 30;
+        const std::int64_t usable = std::max<std::int64_t>(limits_.RemainingMs - 30, 1);
+        const std::int64_t share = std::min(usable / moves + limits_.IncrementMs * 3 / 4, usable);
+        soft = startMs + share * 6 / 10;
+        hard = startMs + std::min(share * 4, usable * 8 / 10);
+    }
+    softDeadlineMs_.store(soft, std::memory_order_relaxed);
+    hardDeadlineMs_.store(hard, std::memory_order_relaxed);
+}
+
+void Search::PonderHit() {
+    SetDeadlines(clock_.NowMs());
+    pondering_.store(false, std::memory_order_relaxed);
+}
+
+bool Search::OutOfTime() const {
+    if (limits_.Infinite || pondering_.load(std::memory_order_relaxed)) return false;
+    return clock_.NowMs() >= hardDeadlineMs_.load(std::memory_order_relaxed);
+}
+
+std::uint64_t Search::Nodes() const {
+    std::uint64_t sum = 0;
+    for (const auto& worker : workers_) sum += worker->Nodes();
+    return sum;
+}
+
+SearchResult Search::Result() {
+    std::unique_lock lock(mutex_);
+    done_.wait(lock, [this] { return !running_.load(std::memory_order_acquire); });
+    return result_;
+}
+
+void Search::Loop() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        wake_.wait(lock, [this] { return requested_ || quit_; });
+        if (quit_) return;
+        requested_ = false;
+        lock.unlock();
+        RunSearch();
+        lock.lock();
+        running_.store(false, std::memory_order_release);
+        done_.notify_all();
+    }
+}
+
+void Search::RunSearch() {
+    table_.NextGeneration();
+    std::vector<std::thread> helpers;
+    for (std::size_t i = 1; i < workers_.size(); ++i) helpers.emplace_back([this, i] { workers_[i]->Think(); });
+    workers_[0]->Think();
+    // An endless search has said all it can, but its answer is wanted only when asked for.
+    while ((limits_.Infinite || pondering_.load(std::memory_order_relaxed)) && !stop_.load(std::memory_order_relaxed))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    stop_.store(true, std::memory_order_relaxed);
+    for (std::thread& helper : helpers) helper.join();
+
+    SearchResult result;
+    result.Nodes = Nodes();
+    if (!workers_[0]->RootMoves().empty()) {
+        const std::vector<RootMove>& moves = workers_[0]->RootMoves();
+        std::vector<int> values;
+        for (const RootMove& move : moves) values.push_back(std::max(move.Value, move.PreviousValue));
+        const RootMove& best = moves[ChooseCandidate(values, handicap_, seed_ + searches_++)];
+        result.Best = best.First;
+        result.Value = best.Value != -InfiniteValue ? best.Value : best.PreviousValue;
+        result.Depth = workers_[0]->CompletedDepth();
+        if (best.Line.size() > 1) result.Reply = best.Line[1];
+    }
+    const std::lock_guard lock(mutex_);
+    result_ = result;
+}
+
+} // namespace quarnel::engine

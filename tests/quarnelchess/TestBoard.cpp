@@ -1,0 +1,94 @@
+#include "RandomGames.h"
+
+#include <gtest/gtest.h>
+
+namespace quarnel::engine {
+namespace {
+
+TEST(Board, KeepsKeysAndSumsUpToDate) {
+    ForRandomPositions(10, 120, [](const Board& board) {
+        const std::string fen = WriteFen(board);
+        const std::optional<Board> fresh = ReadFen(fen);
+        ASSERT_TRUE(fresh) << fen;
+        ASSERT_EQ(board.PositionKey(), fresh->PositionKey()) << fen;
+        ASSERT_EQ(board.PawnKey(), fresh->PawnKey()) << fen;
+        ASSERT_EQ(board.Checkers(), fresh->Checkers()) << fen;
+        ASSERT_EQ(board.Phase(), fresh->Phase()) << fen;
+        ASSERT_EQ(board.PieceSquareScore().Mg, fresh->PieceSquareScore().Mg) << fen;
+        ASSERT_EQ(board.PieceSquareScore().Eg, fresh->PieceSquareScore().Eg) << fen;
+        ASSERT_EQ(WriteFen(*fresh), fen);
+    });
+}
+
+TEST(Board, TellsPositionsApartByRightsTurnAndEnPassant) {
+    const char* const fens[] = {
+        "r3k2r/8/8/8/3pP3/8/8/R3K2R b KQkq - 0 1",  "r3k2r/8/8/8/3pP3/8/8/R3K2R b KQkq e3 0 1",
+        "r3k2r/8/8/8/3pP3/8/8/R3K2R b Qkq - 0 1",   "r3k2r/8/8/8/3pP3/8/8/R3K2R w KQkq - 0 1",
+        "r3k2r/8/8/8/4P3/3p4/8/R3K2R b KQkq - 0 1",
+    };
+    for (const char* a : fens)
+        for (const char* b : fens)
+            EXPECT_EQ(BoardOf(a).PositionKey() == BoardOf(b).PositionKey(), a == b) << a << " | " << b;
+    // Without a pawn that could capture, the double step leaves no trace.
+    EXPECT_EQ(BoardOf("4k3/8/8/8/4P3/8/8/4K3 b - e3 0 1").PositionKey(),
+              BoardOf("4k3/8/8/8/4P3/8/8/4K3 b - - 0 1").PositionKey());
+}
+
+TEST(Board, RefusesWhatItCannotHold) {
+    const char* const refused[] = {
+        "8/8/8/8/8/8/8/4K3 w - - 0 1",    // a king is missing
+        "4k3/8/8/8/8/8/8/3KK3 w - - 0 1", // a king too many
+        "4k2P/8/8/8/8/8/8/4K3 w - - 0 1", // a pawn on the last rank
+        "4k3/8/8/8/8/8/8/4K2p w - - 0 1",
+        "4k3/8/8/8/8/8/4R3/4K3 w - - 0 1", // the side not to move is in check
+        "4k3/8/8/8/8/8/3kK3/8 w - - 0 1",
+        "4k3/8/8/QQQQQ3/QQQQQ3/8/8/4K3 b - - 0 1", // more queens than pawns can become
+        "4k3/8/8/8/8/8/8/4K3 x - - 0 1",
+        "4k3/8/8/8/8/8/8/4K4 w - - 0 1",
+        "4k3/8/8/8/8/8/4K3 w - - 0 1",
+        "",
+    };
+    for (const char* fen : refused) EXPECT_FALSE(ReadFen(fen)) << fen;
+}
+
+TEST(Board, DropsRightsWithoutKingOrRookAtHome) {
+    EXPECT_EQ(BoardOf("r3k3/8/8/8/8/8/8/4K2R w KQkq - 0 1").Castling(), WhiteKingSide | BlackQueenSide);
+    EXPECT_EQ(BoardOf("r2k3r/8/8/8/8/8/8/R3K2R w KQkq - 0 1").Castling(), WhiteKingSide | WhiteQueenSide);
+}
+
+struct ExchangeCase {
+    const char* Fen;
+    Move Capture;
+    int Gain; // the exchange wins exactly this much
+};
+
+TEST(Board, WeighsExchanges) {
+    const auto at = [](const char* name) { return MakeSquare(name[0] - 'a', name[1] - '1'); };
+    const ExchangeCase cases[] = {
+        {"4k3/8/8/3p4/8/8/3R4/4K3 w - - 0 1", Move(at("d2"), at("d5")), 100},         // a free pawn
+        {"4k3/8/4p3/3p4/8/8/3R4/4K3 w - - 0 1", Move(at("d2"), at("d5")), 100 - 500}, // it is guarded
+        {"3rk3/8/8/3n4/8/8/3R4/3RK3 w - - 0 1", Move(at("d2"), at("d5")), 320},       // the rook behind counts
+        {"3rk3/8/2b5/3n4/8/4P3/3R4/3RK3 w - - 0 1", Move(at("d2"), at("d5")), 320 - 500},
+        {"4k3/8/2b5/3p4/4P3/8/8/4K2B w - - 0 1", Move(at("e4"), at("d5")), 100}, // bishops behind the pawn
+        {"4k3/8/8/8/8/8/r7/K6R w - - 0 1", Move(at("a1"), at("a2")), 500},       // the king takes a free rook
+        {"4k3/5P2/8/8/8/8/8/4K3 b - - 0 1", Move(at("e8"), at("f7")), 100},
+        {"4k3/8/8/8/8/8/3p4/4K3 w - - 0 1", Move(at("e1"), at("e2")), 0}, // nothing to win
+    };
+    for (const ExchangeCase& c : cases) {
+        const Board board = BoardOf(c.Fen);
+        EXPECT_TRUE(board.ExchangeGains(c.Capture, c.Gain)) << c.Fen;
+        EXPECT_FALSE(board.ExchangeGains(c.Capture, c.Gain + 1)) << c.Fen;
+    }
+}
+
+TEST(Board, KnowsMaterialThatCannotMate) {
+    EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/4K3 w - - 0 1").InsufficientMaterial());
+    EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/3NK3 w - - 0 1").InsufficientMaterial());
+    EXPECT_TRUE(BoardOf("3bk3/8/8/8/8/8/8/4K3 w - - 0 1").InsufficientMaterial());
+    EXPECT_FALSE(BoardOf("3bk3/8/8/8/8/8/8/3NK3 w - - 0 1").InsufficientMaterial());
+    EXPECT_FALSE(BoardOf("4k3/8/8/8/8/8/4P3/4K3 w - - 0 1").InsufficientMaterial());
+    EXPECT_FALSE(BoardOf("4k3/8/8/8/8/8/8/3RK3 w - - 0 1").InsufficientMaterial());
+}
+
+} // namespace
+} // namespace quarnel::engine
