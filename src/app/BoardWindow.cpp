@@ -48,7 +48,6 @@ BoardWindow::BoardWindow(Desktop& desktop) : desktop_(desktop) {
     for (MenuItem& item : pprom) PromotionSubmenu.Add(item);
     pprom.back().Checked = true;
     AddControls();
-    SizeAsDesigned();
 }
 
 BoardWindow::~BoardWindow() { desktop_.Detach(Window); }
@@ -76,7 +75,7 @@ void BoardWindow::AddControls() {
     Place(button, (PanelSize.Width - PanelButtonWidth) / 2.0, buttonTop, PanelButtonWidth, PanelButtonHeight);
 }
 
-void BoardWindow::SizeAsDesigned() {
+void BoardWindow::Attach() {
     desktop_.Attach(Window);
     const Size inner = desktop_.InnerSize(Window);
     const Size outer = desktop_.OuterSize(Window);

@@ -37,9 +37,12 @@ struct BoardWindow {
     Control Label1{ControlKind::Label, "Label1"};
     ctrl_SkinableButton ctrl_SkinableButton1{"ctrl_SkinableButton1", u"OK"};
 
+    /// Makes the window known to the desktop in its designed size. Its menus must be complete, because
+    /// they take room.
+    void Attach();
+
   private:
     void AddControls();
-    void SizeAsDesigned();
 
     Desktop& desktop_;
 };

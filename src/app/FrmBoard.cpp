@@ -44,6 +44,7 @@ void ConnectEach(Items& items, Click click) {
 FrmBoard::FrmBoard(const FrmBoardParts& parts) : p_(parts) {
     BuildMenus();
     ConnectHandlers();
+    p_.Board.Attach();
 }
 
 void FrmBoard::BuildMenus() {
