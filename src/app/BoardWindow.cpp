@@ -14,7 +14,7 @@ constexpr Size DesignedInnerSize{361, 362};
 constexpr Colour FrameColour = Rgb(89, 0, 0);
 constexpr Colour ToolbarColour = Rgb(192, 64, 0);
 constexpr Colour PanelColour = Rgb(206, 206, 206);
-constexpr Size PanelSize{268, 262};
+constexpr Size PanelSize{268, 258};
 constexpr int PanelMargin = 8;
 constexpr int PanelButtonWidth = 72;
 constexpr int PanelButtonHeight = 24;
@@ -66,7 +66,7 @@ void BoardWindow::AddControls() {
     Picture1.BackColor = PanelColour;
     Place(Picture1, 0, 0, PanelSize.Width, PanelSize.Height);
     Picture1.Add(Label1);
-    Label1.Font = FontSpec{u"Tahoma", 8, false};
+    Label1.Font = FontSpec{u"Tahoma", 8.25, false};
     Label1.WordWrap = true;
     const int buttonTop = PanelSize.Height - PanelMargin - PanelButtonHeight;
     Place(Label1, PanelMargin, PanelMargin, PanelSize.Width - 2 * PanelMargin, buttonTop - 2 * PanelMargin);
