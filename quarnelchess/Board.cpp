@@ -73,7 +73,7 @@ void Board::Put(Square square, Piece piece) {
     colors_[ColorOf(piece)] |= bit;
     squares_[square] = piece;
     key_ ^= Zobrist.Piece[piece][square];
-    if (KindOf(piece) == Pawn) pawnKey_ ^= Zobrist.Piece[piece][square];
+    (KindOf(piece) == Pawn ? pawnKey_ : pieceKeys_[ColorOf(piece)]) ^= Zobrist.Piece[piece][square];
     pieceSquare_ += PieceSquares.Value[piece][square];
     phase_ += PhaseOf[KindOf(piece)];
 }
@@ -85,7 +85,7 @@ void Board::Remove(Square square) {
     colors_[ColorOf(piece)] ^= bit;
     squares_[square] = NoPiece;
     key_ ^= Zobrist.Piece[piece][square];
-    if (KindOf(piece) == Pawn) pawnKey_ ^= Zobrist.Piece[piece][square];
+    (KindOf(piece) == Pawn ? pawnKey_ : pieceKeys_[ColorOf(piece)]) ^= Zobrist.Piece[piece][square];
     pieceSquare_ -= PieceSquares.Value[piece][square];
     phase_ -= PhaseOf[KindOf(piece)];
 }
@@ -144,6 +144,25 @@ void Board::MakeNull() {
     key_ ^= Zobrist.BlackToMove;
     side_ = ~side_;
     checkers_ = 0;
+}
+
+bool Board::GivesCheck(Move move) const {
+    if (move.Kind() == MoveKind::EnPassant || move.Kind() == MoveKind::Castling) {
+        Board next = *this;
+        next.Make(move);
+        return next.InCheck();
+    }
+    const Square king = KingSquare(~side_);
+    const Bitboard occupied = (Occupied() ^ Bit(move.From())) | Bit(move.To());
+    const PieceKind kind = move.IsPromotion() ? move.PromotionKind() : KindOf(squares_[move.From()]);
+    const Bitboard reach = kind == Pawn ? PawnAttacks(side_, move.To()) : PieceAttacks(kind, move.To(), occupied);
+    if ((reach & Bit(king)) != 0) return true;
+    // A slider behind the piece that leaves.
+    if (Line(king, move.From()) == 0) return false;
+    const Bitboard sliders =
+        ((BishopAttacks(king, occupied) & Diagonals()) | (RookAttacks(king, occupied) & Orthogonals())) &
+        colors_[side_] & ~Bit(move.From());
+    return sliders != 0;
 }
 
 bool Board::ExchangeGains(Move move, int threshold) const {

@@ -39,6 +39,8 @@ class Board {
     int HalfmoveClock() const { return halfmoveClock_; }
     Key PositionKey() const { return key_; }
     Key PawnKey() const { return pawnKey_; }
+    /// Of one side's pieces, pawns left out.
+    Key PieceKey(Color color) const { return pieceKeys_[color]; }
     /// Material and squares, White's view.
     Score PieceSquareScore() const { return pieceSquare_; }
     /// 0..24 and beyond after promotions.
@@ -54,6 +56,8 @@ class Board {
     bool IsCapture(Move move) const { return squares_[move.To()] != NoPiece || move.Kind() == MoveKind::EnPassant; }
     /// A capture or a promotion: what quiescence looks at.
     bool IsNoisy(Move move) const { return IsCapture(move) || move.IsPromotion(); }
+    /// Does the legal move attack the enemy's king?
+    bool GivesCheck(Move move) const;
     /// Any piece beside king and pawns.
     bool HasPieces(Color color) const { return (colors_[color] & ~kinds_[Pawn] & ~kinds_[King]) != 0; }
     /// No sequence of moves can mate: bare kings, or one minor piece in all.
@@ -83,6 +87,7 @@ class Board {
     Bitboard checkers_ = 0;
     Key key_ = 0;
     Key pawnKey_ = 0;
+    Key pieceKeys_[2] = {};
     Score pieceSquare_;
     Square enPassant_ = NoSquare;
     int halfmoveClock_ = 0;

@@ -4,11 +4,12 @@
 
 namespace quarnel::engine {
 
-MovePicker::MovePicker(const Board& board, const History& history, Move tableMove, const Move (&killers)[2])
-    : board_(board), history_(history),
+MovePicker::MovePicker(const Board& board, History& history, Move tableMove, const Move (&killers)[2],
+                       Continuation* const (&answers)[3])
+    : board_(board), history_(history), answers_{answers[0], answers[1], answers[2]},
       tableMove_(IsLegal(board, tableMove) ? tableMove : Move{}), killers_{killers[0], killers[1]} {}
 
-MovePicker::MovePicker(const Board& board, const History& history, Move tableMove, int threshold)
+MovePicker::MovePicker(const Board& board, History& history, Move tableMove, int threshold)
     : board_(board), history_(history), threshold_(threshold), quiescence_(true) {
     if (IsLegal(board, tableMove) && (board.InCheck() || board.IsNoisy(tableMove))) tableMove_ = tableMove;
 }
@@ -18,15 +19,21 @@ void MovePicker::ScoreNoisy() {
         const Move move = moves_[i];
         const PieceKind captured = move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(board_.At(move.To()));
         int score =
-            16 * ExchangeValue[captured] + history_.Capture[board_.At(move.From())][move.To()][captured].Value();
+            16 * ExchangeValue[captured] + history_.Capture(board_.At(move.From()), move.To(), captured).Value();
         if (move.IsPromotion()) score += move.PromotionKind() == Queen ? 16 * ExchangeValue[Queen] : -100000;
         scores_[i] = score;
     }
 }
 
 void MovePicker::ScoreQuiets(std::size_t first) {
-    for (std::size_t i = first; i < moves_.Size(); ++i)
-        scores_[i] = history_.Quiet[board_.SideToMove()][moves_[i].From()][moves_[i].To()].Value();
+    for (std::size_t i = first; i < moves_.Size(); ++i) {
+        const Move move = moves_[i];
+        const Piece piece = board_.At(move.From());
+        int score = 2 * history_.Quiet(board_.SideToMove(), move).Value();
+        for (Continuation* answers : answers_)
+            if (answers != nullptr) score += (*answers)[piece][move.To()].Value();
+        scores_[i] = score;
+    }
 }
 
 Move MovePicker::PickBest() {

@@ -12,9 +12,11 @@ namespace quarnel::engine {
 class MovePicker {
   public:
     /// All moves. `tableMove` and `killers` may be illegal here; they are checked.
-    MovePicker(const Board& board, const History& history, Move tableMove, const Move (&killers)[2]);
+    /// `answers` are the continuation tables of the moves one, two and four plies ago.
+    MovePicker(const Board& board, History& history, Move tableMove, const Move (&killers)[2],
+               Continuation* const (&answers)[3]);
     /// Quiescence: noisy moves that gain at least `threshold`; every move when in check.
-    MovePicker(const Board& board, const History& history, Move tableMove, int threshold);
+    MovePicker(const Board& board, History& history, Move tableMove, int threshold);
 
     /// The next move, or no move at the end.
     Move Next();
@@ -41,7 +43,8 @@ class MovePicker {
     bool IsKiller(Move move) const { return move == killers_[0] || move == killers_[1]; }
 
     const Board& board_;
-    const History& history_;
+    History& history_;
+    Continuation* answers_[3] = {};
     Move tableMove_;
     Move killers_[2];
     int threshold_ = 0;

@@ -88,6 +88,7 @@ void Search::SetDeadlines(std::int64_t startMs) {
         soft = startMs + share * 6 / 10;
         hard = startMs + std::min(share * 4, usable * 8 / 10);
     }
+    timeFromMs_.store(startMs, std::memory_order_relaxed);
     softDeadlineMs_.store(soft, std::memory_order_relaxed);
     hardDeadlineMs_.store(hard, std::memory_order_relaxed);
 }
@@ -100,6 +101,29 @@ void Search::PonderHit() {
 bool Search::OutOfTime() const {
     if (limits_.Infinite || pondering_.load(std::memory_order_relaxed)) return false;
     return clock_.NowMs() >= hardDeadlineMs_.load(std::memory_order_relaxed);
+}
+
+bool Search::SoftTimeIsUp(int stability, int valueDropCp) const {
+    const std::int64_t soft = softDeadlineMs_.load(std::memory_order_relaxed);
+    if (soft == Never) return false;
+    const std::int64_t now = clock_.NowMs();
+    if (limits_.MoveTimeMs >= 0) return now >= soft;
+    const std::int64_t from = timeFromMs_.load(std::memory_order_relaxed);
+    const int percent = std::max(60, 125 - 10 * stability) + std::clamp(valueDropCp, 0, 60);
+    return now >= from + (soft - from) * percent / 100;
+}
+
+/// A helper that got further with a better move knows best.
+const SearchWorker& Search::BestWorker() const {
+    const SearchWorker* best = workers_[0].get();
+    for (const auto& worker : workers_) {
+        if (worker->RootMoves().empty() || best->RootMoves().empty()) continue;
+        const bool deeper = worker->CompletedDepth() > best->CompletedDepth();
+        const bool asDeep = worker->CompletedDepth() >= best->CompletedDepth();
+        const int gain = worker->RootMoves()[0].Value - best->RootMoves()[0].Value;
+        if ((deeper && gain >= 0) || (asDeep && gain > 0)) best = worker.get();
+    }
+    return *best;
 }
 
 std::uint64_t Search::Nodes() const {
@@ -131,7 +155,9 @@ void Search::Loop() {
 void Search::RunSearch() {
     table_.NextGeneration();
     std::vector<std::thread> helpers;
-    for (std::size_t i = 1; i < workers_.size(); ++i) helpers.emplace_back([this, i] { workers_[i]->Think(); });
+    // A weaker player works alone, so that its work is measured.
+    const std::size_t threads = limits_.Skill < 100 ? 1 : workers_.size();
+    for (std::size_t i = 1; i < threads; ++i) helpers.emplace_back([this, i] { workers_[i]->Think(); });
     workers_[0]->Think();
     // An endless search has said all it can, but its answer is wanted only when asked for.
     while ((limits_.Infinite || pondering_.load(std::memory_order_relaxed)) && !stop_.load(std::memory_order_relaxed))
@@ -141,14 +167,15 @@ void Search::RunSearch() {
 
     SearchResult result;
     result.Nodes = Nodes();
-    if (!workers_[0]->RootMoves().empty()) {
-        const std::vector<RootMove>& moves = workers_[0]->RootMoves();
+    const SearchWorker& worker = threads > 1 && limits_.MultiPv == 1 ? BestWorker() : *workers_[0];
+    if (!worker.RootMoves().empty()) {
+        const std::vector<RootMove>& moves = worker.RootMoves();
         std::vector<int> values;
         for (const RootMove& move : moves) values.push_back(std::max(move.Value, move.PreviousValue));
         const RootMove& best = moves[ChooseCandidate(values, handicap_, seed_ + searches_++)];
         result.Best = best.First;
         result.Value = best.Value != -InfiniteValue ? best.Value : best.PreviousValue;
-        result.Depth = workers_[0]->CompletedDepth();
+        result.Depth = worker.CompletedDepth();
         if (best.Line.size() > 1) result.Reply = best.Line[1];
     }
     const std::lock_guard lock(mutex_);

@@ -107,6 +107,9 @@ class Search {
     std::uint64_t Nodes() const;
     bool OutOfTime() const;
     bool HasDeadline() const { return limits_.MoveTimeMs >= 0 || limits_.RemainingMs >= 0; }
+    /// No new iteration: later when the best move keeps changing or its value falls, sooner when it stands.
+    bool SoftTimeIsUp(int stability, int valueDropCp) const;
+    const SearchWorker& BestWorker() const;
     void SetDeadlines(std::int64_t startMs);
 
     Clock& clock_;
@@ -124,6 +127,7 @@ class Search {
     std::atomic<bool> running_{false};
     std::atomic<bool> pondering_{false};
     std::int64_t startMs_ = 0;
+    std::atomic<std::int64_t> timeFromMs_{0};     // what the deadlines are counted from
     std::atomic<std::int64_t> softDeadlineMs_{0}; // no new iteration after this
     std::atomic<std::int64_t> hardDeadlineMs_{0};
 

@@ -10,7 +10,7 @@ namespace quarnel::engine {
 struct RootMove {
     Move First;
     int Value = -InfiniteValue;
-    int PreviousValue = -InfiniteValue;
+    int PreviousValue = -InfiniteValue; // of the iteration before
     int SelectiveDepth = 0;
     std::vector<Move> Line;
 };
@@ -24,31 +24,56 @@ class SearchWorker {
     void Think();
 
     std::uint64_t Nodes() const { return nodes_.load(std::memory_order_relaxed); }
-    /// Ordered best first, as of the last completed or usefully interrupted iteration.
+    /// Ordered best first, as of the last iteration.
     const std::vector<RootMove>& RootMoves() const { return rootMoves_; }
     int CompletedDepth() const { return completedDepth_; }
 
   private:
     struct PlyState {
         Move Killers[2];
-        Move Current;
+        Move Current;  // the move being searched; no move after a passed turn
+        Move Excluded; // left out while its singularity is tested
+        Continuation* Answers = nullptr;
         int StaticEval = NoValue;
+        int Extensions = 0; // double extensions on the way here
         int LineLength = 0;
         Move Line[MaxPly];
+    };
+    /// Moves that were tried before the one that cut off.
+    struct TriedMoves {
+        Move Moves[64];
+        int Count = 0;
+        void Add(Move move) {
+            if (Count < 64) Moves[Count++] = move;
+        }
     };
 
     void PrepareRoot();
     void SearchDepth(int depth);
-    int SearchRootWindow(int depth, int previous);
+    void SearchRootWindow(int depth, int previous);
     int SearchNode(const Board& board, int alpha, int beta, int depth, int ply, bool cutNode);
     int Quiesce(const Board& board, int alpha, int beta, int ply);
+    int SingularExtension(const Board& board, const TableEntry& entry, int tableValue, int beta, int depth, int ply,
+                          bool cutNode, bool pv, int& cutValue);
 
     bool CountNodeAndCheckStop();
     bool IsDraw(const Board& board, int ply) const;
+    int CorrectedEval(const Board& board, int rawEval) const;
+    void PlayInto(Board& next, const Board& board, Move move, int ply);
+    int QuietScore(const Board& board, Move move, int ply);
     void UpdateLine(int ply, Move move);
-    void RewardQuiet(const Board& board, int ply, Move best, const Move* tried, int triedCount, int depth);
+    void RewardCutoff(const Board& board, int ply, Move best, const TriedMoves& quiets, const TriedMoves& noisies,
+                      int depth);
+    void AddContinuation(Piece piece, Square to, int ply, int bonus);
+    void RememberRootMove(Move move, int moveCount, int value, int alpha);
     void Report(int index) const;
     bool MateIsProven(int depth) const;
+    bool IterationsSuffice(int depth);
+
+    PlyState& At(int ply) { return stack_[ply + StackMargin]; }
+    const PlyState& At(int ply) const { return stack_[ply + StackMargin]; }
+
+    static constexpr int StackMargin = 4; // so that a node can look four plies back
 
     Search& search_;
     const int index_;
@@ -60,9 +85,13 @@ class SearchWorker {
     int rootDepth_ = 0;
     int completedDepth_ = 0;
     int selectiveDepth_ = 0;
+    int nullMoveFromPly_ = 0; // no passing before this ply, while a pass is being verified
     bool stopped_ = false;
-    std::vector<Key> keys_; // game and search path, the current position last
-    PlyState stack_[MaxPly + 4];
+    Move lastBest_;
+    int stability_ = 0;     // iterations that kept the best move
+    std::vector<Key> keys_; // of the game, then of the line being searched
+    std::size_t gameKeys_ = 0;
+    PlyState stack_[MaxPly + StackMargin + 4];
 };
 
 } // namespace quarnel::engine

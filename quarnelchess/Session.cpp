@@ -56,7 +56,11 @@ void Session::Step() {
     input_(!thinking_ && quiet_);
     if (inbox_.empty()) {
         quiet_ = true;
-        if (thinking_ || clock_.NowMs() - before < AtOnceMs) clock_.SleepMs(PauseMs);
+        const std::int64_t now = clock_.NowMs();
+        if (thinking_)
+            clock_.SleepMs(static_cast<int>(std::clamp<std::int64_t>(deadlineMs_ - now, 1, PauseMs)));
+        else if (now - before < AtOnceMs)
+            clock_.SleepMs(PauseMs);
         return;
     }
     quiet_ = false;

@@ -81,6 +81,18 @@ TEST(Board, WeighsExchanges) {
     }
 }
 
+TEST(Board, ForeseesChecks) {
+    ForRandomPositions(5, 90, [](const Board& board) {
+        MoveBuffer moves;
+        GenerateMoves(board, moves);
+        for (const Move move : moves) {
+            Board next = board;
+            next.Make(move);
+            ASSERT_EQ(board.GivesCheck(move), next.InCheck()) << WriteFen(board) << " " << NameOf(move);
+        }
+    });
+}
+
 TEST(Board, KnowsMaterialThatCannotMate) {
     EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/4K3 w - - 0 1").InsufficientMaterial());
     EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/3NK3 w - - 0 1").InsufficientMaterial());

@@ -103,11 +103,11 @@ TEST(Search, PlaysTheSameWithTheSameSeedAndNodes) {
             Search search(clock);
             search.SetSeed(5);
             std::vector<std::string> lines;
-            SearchLimits limits = Nodes(30000);
+            SearchLimits limits = Nodes(6000);
             limits.Skill = skill;
             SearchRoot root;
             root.Position = BoardOf(fen);
-            for (int ply = 0; ply < 6; ++ply) {
+            for (int ply = 0; ply < 4; ++ply) {
                 const SearchResult result = search.Run(root, limits);
                 lines.push_back(NameOf(result.Best) + std::to_string(result.Value) + "/" +
                                 std::to_string(result.Nodes));
@@ -172,7 +172,7 @@ TEST(Search, ReportsLinesOfLegalMoves) {
     Search search(clock);
     SearchRoot root;
     root.Position = BoardOf(TestPositions[1]);
-    SearchLimits limits = Nodes(80000);
+    SearchLimits limits = Nodes(30000);
     limits.MultiPv = 3;
     std::vector<SearchInfo> reports;
     search.Run(root, limits, [&](const SearchInfo& info) { reports.push_back(info); });

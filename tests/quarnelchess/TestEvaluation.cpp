@@ -1,0 +1,147 @@
+#include "RandomGames.h"
+
+#include "quarnelchess/Endgames.h"
+#include "quarnelchess/Evaluation.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+
+namespace quarnel::engine {
+namespace {
+
+int Value(const char* fen) {
+    return Evaluation().Evaluate(BoardOf(fen));
+}
+
+/// The same position with colours and board halves exchanged.
+Board Mirrored(const Board& board) {
+    BoardBuilder builder;
+    for (Square square = 0; square < 64; ++square) {
+        const Piece piece = board.At(square);
+        if (piece != NoPiece) builder.Put(FlipRank(square), MakePiece(~ColorOf(piece), KindOf(piece)));
+    }
+    builder.SetSide(~board.SideToMove());
+    builder.SetCastling(((board.Castling() & 3) << 2) | (board.Castling() >> 2));
+    if (board.EnPassant() != NoSquare) builder.SetEnPassantFile(FileOf(board.EnPassant()));
+    return builder.Build().value();
+}
+
+TEST(Evaluation, JudgesBothColoursAlike) {
+    Evaluation evaluation;
+    ForRandomPositions(8, 100, [&](const Board& board) {
+        ASSERT_EQ(evaluation.Evaluate(board), evaluation.Evaluate(Mirrored(board))) << WriteFen(board);
+    });
+}
+
+TEST(Evaluation, ExplainsItsValuesByTheWeights) {
+    Evaluation evaluation;
+    ForRandomPositions(8, 120, [&](const Board& board) {
+        const int value = evaluation.Evaluate(board) * (board.SideToMove() == White ? 1 : -1);
+        EvaluationTrace trace;
+        ASSERT_EQ(Evaluation::Explain(board, trace), value) << WriteFen(board);
+        if (trace.Special) return;
+        Score sum;
+        for (int i = 0; i < WeightCount; ++i) sum += Weights[i] * trace.Counts[i];
+        const int blended =
+            (sum.Mg * trace.Phase + sum.Eg * trace.EndgameScale / 64 * (FullPhase - trace.Phase)) / FullPhase;
+        ASSERT_EQ(blended, value) << WriteFen(board);
+    });
+}
+
+TEST(Evaluation, PrefersWhatAPlayerWouldPrefer) {
+    const struct {
+        const char* Better;
+        const char* Worse;
+    } pairs[] = {
+        // Castled behind pawns, or out in the open.
+        {"r1bqkb1r/pppp1ppp/2n2n2/4p3/2B1P3/5N2/PPPP1PPP/RNBQ1RK1 w kq - 0 1",
+         "r1bqkb1r/pppp1ppp/2n2n2/4p3/2B1P3/4KN2/PPPP1PPP/RNBQ3R w kq - 0 1"},
+        // A passed pawn far up, or at home.
+        {"4k3/8/P7/8/8/8/5ppp/r3K2R w - - 0 1", "4k3/8/8/8/8/P7/5ppp/r3K2R w - - 0 1"},
+        // A rook on an open file, or behind its own pawn.
+        {"4k3/pp3ppp/8/8/8/8/PP3PPP/3RK3 w - - 0 1", "4k3/pp3ppp/8/8/8/8/PP3PPP/R3K3 w - - 0 1"},
+        // Whole pawns, or doubled and isolated ones.
+        {"4k3/5ppp/8/8/8/8/5PPP/4K3 w - - 0 1", "4k3/5ppp/8/8/8/7P/5P1P/4K3 w - - 0 1"},
+        // A knight in the centre, or on the rim.
+        {"4k3/ppp2ppp/8/3N4/4P3/8/PPP2PPP/4K3 w - - 0 1", "4k3/ppp2ppp/8/7N/4P3/8/PPP2PPP/4K3 w - - 0 1"},
+    };
+    for (const auto& pair : pairs) EXPECT_GT(Value(pair.Better), Value(pair.Worse)) << pair.Better;
+}
+
+TEST(Evaluation, KnowsEndingsThatCannotBeWon) {
+    for (const char* fen : {"8/8/8/4k3/8/8/2NNK3/8 w - - 0 1",   // two knights
+                            "7k/8/8/7P/8/3B4/4K3/8 w - - 0 1",   // rook's pawn, wrong bishop, king in the corner
+                            "8/8/8/4k3/8/4b3/3NK3/8 w - - 0 1"}) // knight against bishop
+        EXPECT_LT(std::abs(Value(fen)), 30) << fen;
+    for (const char* fen : {"8/8/8/4k3/8/8/3QK3/8 w - - 0 1", "8/8/8/4k3/8/8/3RK3/8 w - - 0 1",
+                            "8/8/8/4k3/8/8/2BNK3/8 w - - 0 1", "8/8/8/4k3/8/8/2BBK3/8 w - - 0 1"})
+        EXPECT_GT(Value(fen), 1500) << fen;
+    // Bishops of opposite colours promise less than the same material otherwise.
+    EXPECT_LT(Value("4k3/p3b3/8/8/8/8/PP2B3/4K3 w - - 0 1"), Value("4k3/p4b2/8/8/8/8/PP2B3/4K3 w - - 0 1"));
+}
+
+TEST(Evaluation, DrivesTheBareKingToWhereItIsMated) {
+    // Bishop and knight: only the corners of the bishop's colour will do (here dark: a1 and h8).
+    EXPECT_GT(Value("7k/8/5K2/8/8/4B3/8/6N1 w - - 0 1"), Value("k7/8/2K5/8/8/4B3/8/6N1 w - - 0 1"));
+    EXPECT_GT(Value("7k/8/5K2/8/8/8/8/6R1 w - - 0 1"), Value("8/8/8/3k4/8/3K4/8/6R1 w - - 0 1"));
+}
+
+/// Won by the rules: some move keeps the win, or promotes safely; for the defender no move escapes.
+TEST(Endgames, KingAndPawnTableAgreesWithItsOwnSuccessors) {
+    std::mt19937 random(3);
+    int checked = 0;
+    int won = 0;
+    while (checked < 6000) {
+        BoardBuilder builder;
+        const Square whiteKing = static_cast<Square>(random() % 64);
+        const Square blackKing = static_cast<Square>(random() % 64);
+        const Square pawn = static_cast<Square>(8 + random() % 48);
+        if (whiteKing == blackKing || pawn == whiteKing || pawn == blackKing) continue;
+        builder.Put(whiteKing, MakePiece(White, King));
+        builder.Put(blackKing, MakePiece(Black, King));
+        builder.Put(pawn, MakePiece(White, Pawn));
+        builder.SetSide(random() % 2 == 0 ? White : Black);
+        const std::optional<Board> board = builder.Build();
+        if (!board) continue;
+        ++checked;
+        MoveBuffer moves;
+        GenerateMoves(*board, moves);
+        const bool whiteToMove = board->SideToMove() == White;
+        bool expected = !whiteToMove && (!moves.Empty() || board->InCheck());
+        for (const Move move : moves) {
+            Board next = *board;
+            next.Make(move);
+            bool good = false;
+            if (move.IsPromotion()) {
+                // A new queen or rook wins unless it is lost at once or leaves no move.
+                MoveBuffer replies;
+                GenerateMoves(next, replies);
+                good = (move.PromotionKind() == Queen || move.PromotionKind() == Rook) &&
+                       (!replies.Empty() || next.InCheck());
+                for (const Move reply : replies) good &= !next.IsCapture(reply);
+            } else if (next.Pieces(Pawn) != 0) {
+                good = KingPawnEndingIsWon(White, next.KingSquare(White), LowestSquare(next.Pieces(Pawn)),
+                                           next.KingSquare(Black), next.SideToMove());
+            }
+            if (whiteToMove)
+                expected |= good;
+            else
+                expected &= good;
+        }
+        const bool found = KingPawnEndingIsWon(White, whiteKing, pawn, blackKing, board->SideToMove());
+        ASSERT_EQ(found, expected) << WriteFen(*board);
+        ASSERT_EQ(
+            KingPawnEndingIsWon(Black, FlipRank(whiteKing), FlipRank(pawn), FlipRank(blackKing), ~board->SideToMove()),
+            found);
+        won += found;
+    }
+    EXPECT_GT(won, 2000);
+    EXPECT_LT(won, 5500);
+    // A position that stands and falls with the opposition.
+    EXPECT_FALSE(KingPawnEndingIsWon(White, MakeSquare(4, 4), MakeSquare(4, 3), MakeSquare(4, 6), White));
+    EXPECT_TRUE(KingPawnEndingIsWon(White, MakeSquare(4, 4), MakeSquare(4, 3), MakeSquare(4, 6), Black));
+}
+
+} // namespace
+} // namespace quarnel::engine
