@@ -45,7 +45,7 @@ BoardWindow::BoardWindow(Desktop& desktop) : desktop_(desktop) {
     Window.Caption = u"Quarnel Chess v3.26";
     Window.BackColor = FrameColour;
     for (MenuItem& item : SubFileMenu) FileMenu.Add(item);
-    for (MenuItem& item : pprom) PromotionSubmenu.Add(item);
+    for (MenuItem& item : pprom) edeeded.Add(item);
     pprom.back().Checked = true;
     AddControls();
 }
@@ -57,9 +57,12 @@ void BoardWindow::AddControls() {
 
     Window.Add(Picture2);
     Picture2.BackColor = ToolbarColour;
+    Place(Picture2, 25, 347, 128, 16);
+    static constexpr std::array<int, 6> ButtonLeft{0, 16, 40, 56, 96, 112};
     for (std::size_t i = 0; i < Moves.poke.size(); ++i) {
         Picture2.Add(Moves.poke[i]);
         Moves.poke[i].Image = ToolbarPicture(i);
+        Place(Moves.poke[i], ButtonLeft[i], -1, 16, 16);
     }
 
     Window.Add(Picture1);

@@ -23,8 +23,8 @@ struct BoardWindow {
     std::array<MenuItem, 5> SubFileMenu{MenuItem(u"New Game as White"), MenuItem(u"New Game as Black"), MenuItem(u"-"),
                                         MenuItem(u"Save Game at current positon"), MenuItem(u"Load Game")};
     MenuItem ededeeede{u"Options"};
-    MenuItem ZoomSubmenu{u"Zoom"};
-    MenuItem PromotionSubmenu{u"Promote next pawn to"};
+    MenuItem vwewe3ee3{u"Zoom"};
+    MenuItem edeeded{u"Promote next pawn to"};
     std::array<MenuItem, 4> pprom{MenuItem(u"Knight"), MenuItem(u"Bishop"), MenuItem(u"Rook"), MenuItem(u"Queen")};
     MenuItem hlp{u"Help"};
     MenuItem hpg{u"HomePage"};

@@ -49,11 +49,11 @@ FrmBoard::FrmBoard(const FrmBoardParts& parts) : p_(parts) {
 
 void FrmBoard::BuildMenus() {
     BoardWindow& board = p_.Board;
-    for (MenuItem& item : p_.Zoom.vw) board.ZoomSubmenu.Add(item);
-    board.ededeeede.Add(board.ZoomSubmenu);
-    board.ededeeede.Add(p_.Settings.StrengthMenu);
+    for (MenuItem& item : p_.Zoom.vw) board.vwewe3ee3.Add(item);
+    board.ededeeede.Add(board.vwewe3ee3);
+    board.ededeeede.Add(p_.Settings.cs3e3e);
     board.ededeeede.Add(p_.Settings.pnd);
-    board.ededeeede.Add(board.PromotionSubmenu);
+    board.ededeeede.Add(board.edeeded);
     for (MenuItem* menu : {&board.FileMenu, &board.Moves.MovesMenu, &board.ededeeede, &board.hlp, &board.hpg}) {
         board.Window.AddMenu(*menu);
     }
@@ -70,7 +70,6 @@ void FrmBoard::ConnectHandlers() {
     ConnectEach(board.Moves.SubMovesMenu, [this](int index) { SubMovesMenu_Click(index); });
     ConnectEach(board.Moves.poke, [this](int index) { poke_Click(index); });
     ConnectEach(board.pprom, [this](int index) { pprom_Click(index); });
-    ConnectEach(p_.Zoom.vw, [this](int index) { p_.Zoom.vw_Click(static_cast<std::int16_t>(index)); });
     ConnectEach(p_.Settings.cs, [this](int index) { p_.Settings.cs_Click(static_cast<std::int16_t>(index)); });
     p_.Settings.pnd.OnClick = [this] { p_.Settings.pnd_Click(); };
     board.hlp.OnClick = [this] { hlp_Click(); };

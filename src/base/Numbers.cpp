@@ -18,7 +18,7 @@ namespace {
 bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 // The longest beginning of `text` that is a decimal number, as plain characters; empty without digits.
-std::string NumberPrefix(TextView text) {
+std::string NumberPrefix(TextView text, bool withExponent) {
     std::string number;
     std::size_t i = 0;
     const auto at = [&](std::size_t k) { return k < text.size() ? text[k] : u'\0'; };
@@ -35,7 +35,7 @@ std::string NumberPrefix(TextView text) {
         count += digits();
     }
     if (count == 0) return {};
-    if (at(i) == u'e' || at(i) == u'E') {
+    if (withExponent && (at(i) == u'e' || at(i) == u'E')) {
         const bool isSigned = at(i + 1) == u'+' || at(i + 1) == u'-';
         if (IsDigit(at(i + (isSigned ? 2 : 1)))) {
             number += 'e';
@@ -57,7 +57,7 @@ double ValueOf(const std::string& number) {
 
 // Whether the whole of `text` is a decimal number, and which.
 std::optional<double> WholeNumberText(TextView text) {
-    const std::string number = NumberPrefix(text);
+    const std::string number = NumberPrefix(text, true);
     if (number.empty() || number.size() != text.size()) return std::nullopt;
     return ValueOf(number);
 }
@@ -69,7 +69,7 @@ double LeadingNumber(TextView text) {
     for (const char16_t c : text) {
         if (c != u' ' && c != u'\t' && c != u'\n') packed += c;
     }
-    return ValueOf(NumberPrefix(packed));
+    return ValueOf(NumberPrefix(packed, false));
 }
 
 std::optional<std::int16_t> ToInteger16(int number) {

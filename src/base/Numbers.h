@@ -15,7 +15,7 @@ namespace quarnel {
 int RoundHalfEven(double value);
 
 /// The number a text begins with: blanks, tabs and line feeds anywhere are passed over, then a sign,
-/// digits, a decimal point and an exponent are read as far as they go. 0 when there are no digits.
+/// digits and a decimal point are read as far as they go. 0 when there are no digits.
 double LeadingNumber(TextView text);
 
 /// `number` as 16 bits; nothing when it does not fit.

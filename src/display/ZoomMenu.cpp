@@ -36,7 +36,6 @@ ZoomMenu::ZoomMenu(GameState& state, BoardRenderer& renderer, StatusStrip& statu
     : vw{MenuItem(u"75 %"),  MenuItem(u"100 %"), MenuItem(u"125 %"), MenuItem(u"150 %"),
          MenuItem(u"175 %"), MenuItem(u"200 %"), MenuItem(u"225 %"), MenuItem(u"250 %")},
       state_(state), renderer_(renderer), status_(status), controls_(controls), frmBoard_(frmBoard), desktop_(desktop) {
-    vw[1].Checked = true;
     for (std::size_t i = 0; i < vw.size(); ++i) {
         vw[i].OnClick = [this, i] { vw_Click(static_cast<std::int16_t>(i)); };
     }

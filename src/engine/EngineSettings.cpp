@@ -22,7 +22,7 @@ EngineSettings::EngineSettings(GameState& state, CommandQueue& commands, Desktop
          MenuItem(u"Level 7 - 1 sec"),   MenuItem(u"Level 8 - 3 sec"),   MenuItem(u"Level 9 - 5 sec"),
          MenuItem(u"Level 10 - 10 sec")},
       state_(state), commands_(commands), desktop_(desktop) {
-    for (MenuItem& item : cs) StrengthMenu.Add(item);
+    for (MenuItem& item : cs) cs3e3e.Add(item);
     cs[DesignedLevel].Checked = true;
     pnd.Checked = true;
 }

@@ -25,7 +25,7 @@ class EngineSettings {
     Truth PonderWanted = False;     ///< the "Ponder" check mark when last taken
     Truth PonderPending = False;    ///< the engine has not been told PonderWanted yet
 
-    MenuItem StrengthMenu{u"Computer strength"};
+    MenuItem cs3e3e{u"Computer strength"};
     std::array<MenuItem, 10> cs; ///< levels 1 to 10
     MenuItem pnd{u"Ponder"};
 

@@ -21,7 +21,7 @@ void ComputerMove::OutputCallback(std::int32_t length) {
 }
 
 Text ComputerMove::FetchLine(std::int32_t length) {
-    if (length <= 0) return {};
+    if (length < 0) return {};
     Text buffer(static_cast<std::size_t>(length) + 1, u' ');
     library_.FetchEngineOutput(buffer);
     return buffer.substr(0, static_cast<std::size_t>(length));

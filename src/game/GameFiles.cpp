@@ -3,7 +3,7 @@
 #include "base/Numbers.h"
 #include "notation/GameRecord.h"
 
-#include <optional>
+#include <utility>
 
 namespace quarnel {
 
@@ -15,10 +15,19 @@ constexpr TextView SaveTitle = u"Enter a file name of your game to save.";
 constexpr TextView LoadTitle = u"Enter a file name of your game to load.";
 constexpr std::size_t LongestLine = std::size_t{64} << 20; // bytes; memory must not run out on a strange file
 
+std::filesystem::path WithoutBlanksAround(const std::filesystem::path& path) {
+    auto name = path.native(); // in the file system's own characters, whatever they are
+    const auto last = name.find_last_not_of(' ');
+    name.erase(last == name.npos ? 0 : last + 1);
+    name.erase(0, name.find_first_not_of(' '));
+    return name;
+}
+
 // The next line without its end, which is CR LF, LF or CR; nothing at the end of the file.
 template <class Failure>
-std::optional<std::string> ReadLine(std::ifstream& file) {
-    using Traits = std::ifstream::traits_type;
+std::optional<std::string> ReadLine(std::fstream& file) {
+    using Traits = std::fstream::traits_type;
+    if (!file.is_open()) throw Failure();
     std::streambuf& bytes = *file.rdbuf();
     std::string line;
     bool any = false;
@@ -44,9 +53,17 @@ const Text& Field(const std::vector<Text>& fields, std::size_t index) {
 } // namespace
 
 std::filesystem::path GameFiles::ShowFileDialog(bool save, const Text& title) {
-    const auto path = save ? desktop_.SaveFileDialog(frmBoard_, title) : desktop_.OpenFileDialog(frmBoard_, title);
-    if (!path || path->empty() || std::filesystem::is_directory(*path)) throw Failure();
-    return *path;
+    const auto answer = save ? desktop_.SaveFileDialog(frmBoard_, title) : desktop_.OpenFileDialog(frmBoard_, title);
+    if (!answer) throw Failure();
+    const std::filesystem::path path = WithoutBlanksAround(*answer);
+    if (path.empty() || std::filesystem::is_directory(path)) throw Failure();
+    return path;
+}
+
+void GameFiles::Open(const std::filesystem::path& path, std::ios::openmode mode) {
+    file_ = std::fstream();
+    file_.open(path, mode | std::ios::binary);
+    if (!file_) throw Failure();
 }
 
 void GameFiles::SaveGame() {
@@ -57,7 +74,8 @@ void GameFiles::SaveGame() {
             EndWith(u"There are no moves. Nothing to save.");
             return;
         }
-        WriteRecord(ShowFileDialog(true, Text(SaveTitle)), plies, lines);
+        Open(ShowFileDialog(true, Text(SaveTitle)), std::ios::out | std::ios::trunc);
+        WriteRecord(plies, lines);
     } catch (const Failure&) {
         EndWith(u"Error!");
     } catch (const std::exception&) {
@@ -65,25 +83,24 @@ void GameFiles::SaveGame() {
     }
 }
 
-void GameFiles::WriteRecord(const std::filesystem::path& path, int plies, int lines) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    const auto write = [&](const Text& line) { file << desktop_.ToBytes(line) << "\r\n"; };
+void GameFiles::WriteRecord(int plies, int lines) {
+    const auto write = [&](const Text& line) { file_ << desktop_.ToBytes(line) << "\r\n"; };
     write(RecordHeader(state_.ComputerColor == Black));
     for (int i = 1; i <= lines; ++i) {
         const HistoryRow& row = state_.MoveText.at(static_cast<std::size_t>(i));
         const bool onlyWhite = i == lines && plies % 2 == 1;
         write(RecordLine(i, row[1], onlyWhite ? Text() : row[2]));
     }
-    file.close();
-    if (!file) throw Failure();
+    file_.close();
+    if (!file_) throw Failure();
 }
 
 void GameFiles::LoadGame() {
     bool inSequence = true;
     try {
-        std::ifstream file(ShowFileDialog(false, Text(LoadTitle)), std::ios::binary);
-        if (!file) throw Failure();
-        inSequence = ReadRecord(file);
+        Open(ShowFileDialog(false, Text(LoadTitle)), std::ios::in);
+        inSequence = ReadRecord();
+        file_.close();
     } catch (const Failure&) {
         EndWith(u"Error!");
         return;
@@ -98,19 +115,24 @@ void GameFiles::LoadGame() {
     }
 }
 
-bool GameFiles::ReadRecord(std::ifstream& file) {
-    const auto readFields = [&](const std::string& line) { return RecordFields(desktop_.FromBytes(line)); };
-    const auto header = ReadLine<Failure>(file);
+std::optional<std::vector<Text>> GameFiles::ReadFields() {
+    const auto line = ReadLine<Failure>(file_);
+    if (!line) return std::nullopt;
+    return RecordFields(desktop_.FromBytes(*line));
+}
+
+bool GameFiles::ReadRecord() {
+    const auto header = ReadFields();
     if (!header) throw Failure();
-    std::vector<Text> fields = readFields(*header);
-    TakeSides(UserIsWhite(Field<Failure>(fields, 0)));
+    TakeSides(UserIsWhite(Field<Failure>(*header, 0)));
 
     state_.MoveText.assign(1, {});
     panel_.NewGame();
 
     int rows = 0;
-    while (const auto line = ReadLine<Failure>(file)) {
-        fields = readFields(*line);
+    std::vector<Text> fields = *header;
+    while (auto next = ReadFields()) {
+        fields = std::move(*next);
         ++rows;
         if (!ToInteger16(rows)) throw Failure();
         if (LeadingNumber(Field<Failure>(fields, 0)) != rows) return false;

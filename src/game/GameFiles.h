@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 
 namespace quarnel {
 
@@ -31,9 +32,11 @@ class GameFiles {
     struct Failure {};
 
     std::filesystem::path ShowFileDialog(bool save, const Text& title);
-    void WriteRecord(const std::filesystem::path& path, int plies, int lines);
+    void Open(const std::filesystem::path& path, std::ios::openmode mode);
+    void WriteRecord(int plies, int lines);
     /// False when the record was out of sequence.
-    bool ReadRecord(std::ifstream& file);
+    bool ReadRecord();
+    std::optional<std::vector<Text>> ReadFields();
     void TakeSides(bool userIsWhite);
     void EndWith(const Text& message) { messages_.MsgBoxXP(message); }
 
@@ -43,6 +46,10 @@ class GameFiles {
     MessageBox& messages_;
     Form& frmBoard_;
     Desktop& desktop_;
+
+    // The one file open. A handler that saves or loads while a load redraws the board closes it, and the
+    // load under it then fails.
+    std::fstream file_;
 };
 
 } // namespace quarnel

@@ -1,6 +1,8 @@
 // Every line the engine is sent, in its order, for each thing a user can do.
 #include "support/ProgramFixture.h"
 
+#include <cstring>
+
 namespace quarnel {
 namespace {
 
@@ -125,6 +127,75 @@ TEST_F(CommandLines, ANewGameAsBlackWhileThinkingSendsThePositionAndGoAtOnce) {
         SayMove("White", "e4");
         EXPECT_EQ(Strip(), "Move: e4");
         EXPECT_EQ(Controls(), 'i');
+    });
+}
+
+// Whoever abandons a search by a new game: what is sent, what the dropped move leaves, and that the next
+// game plays. A user of Black is left waiting for the engine's next move, one of White is not.
+TEST_F(CommandLines, AUserOfBlackWhoStartsAgainWhileTheEngineThinksIsAnsweredOnce) {
+    Play([&] {
+        Choose(Game->Board.SubFileMenu[1]);
+        const Position start = State().CurPos;
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[1]), ElementsAre("force", std::string("setboard ") + StartFenText,
+                                                                    "white", "movenumber 0", "sync", "go"));
+        EXPECT_EQ(State().BoardFlipped, True);
+        Engine.Say("White(7): e4 "); // the abandoned search's, whatever its number
+        EXPECT_EQ(std::memcmp(&State().CurPos, &start, sizeof start), 0);
+        EXPECT_EQ(Controls(), 't');
+        SayMove("White", "d4");
+        EXPECT_EQ(Row(1), "1. d4 ");
+
+        DragMove("d7", "d5");
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[0]), ElementsAre("force"));
+        EXPECT_EQ(State().BoardFlipped, False);
+        SayMove("White", "c4");
+        EXPECT_EQ(Fen(), StartFenText);
+        EXPECT_EQ(Controls(), 'i');
+        EXPECT_EQ(DragMove("e2", "e4").back(), "e4");
+    });
+}
+
+// A new game in the middle of the computer's slide: "force" goes out for a search that has ended, the rest
+// of the move runs on the new position, and the answer that plays nothing clears what is left.
+TEST_F(CommandLines, ANewGameInTheComputersSlideIsClearedByTheEmptyAnswer) {
+    Play([&] {
+        DragMove("e2", "e4");
+        int passes = 0;
+        Screen.BeforeProcess = [&] {
+            if (++passes == 3) Screen.Click(Game->Board.SubFileMenu[0]);
+        };
+        SayMove("Black", "e5");
+        Screen.BeforeProcess = nullptr;
+        EXPECT_EQ(State().DiscardNextMove, True);
+        EXPECT_EQ(State().CurPos.SideToMove, Black);
+        EXPECT_THAT(Engine.Pull(), ElementsAre("force"));
+        Engine.Say("White(0): - ");
+        EXPECT_EQ(State().DiscardNextMove, False);
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[0]), ElementsAre("new", "skill 100 10"));
+        EXPECT_EQ(DragMove("e2", "e4").back(), "e4");
+        SayMove("Black", "e5");
+        EXPECT_EQ(Row(1), "1. e4 e5");
+    });
+}
+
+TEST_F(CommandLines, ANewGameInTheUsersOwnSlideLeavesTheNextOneInOrder) {
+    Play([&] {
+        ClickSquare("e2");
+        Engine.Pull();
+        int passes = 0;
+        Screen.BeforeProcess = [&] {
+            if (++passes == 4) Screen.Click(Game->Board.SubFileMenu[0]);
+        };
+        PressSquare("e4");
+        EXPECT_THAT(Engine.Pull(), ElementsAre("sync", "e4", "force"));
+        Screen.BeforeProcess = nullptr;
+        Engine.Say("Black(1): e5 ");
+        EXPECT_EQ(Controls(), 'i');
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[0]), ElementsAre("new", "skill 100 10"));
+        ReleaseSquare("e4");
+        Engine.Pull();
+        EXPECT_EQ(DragMove("d2", "d4").back(), "d4");
+        EXPECT_EQ(Row(1), "1. d4 ");
     });
 }
 

@@ -115,6 +115,7 @@ INSTANTIATE_TEST_SUITE_P(
                     DamageCase{"BlankLine", Header + "1.\te4\te5\r\n\r\n", Failed, false},
                     DamageCase{"OneTab", Header + "1.\te4\r\n", Failed, false},
                     DamageCase{"OutOfSequence", Header + "1.\te4\te5\r\n3.\tNf3\tNc6\r\n", "File corrupted. Illegal move  ", false},
+                    DamageCase{"TenMegabytes", std::string(10'000'000, '\xFE'), Failed, false},
                     DamageCase{"Zeros", std::string(5000, '\0'), Failed, false},
                     DamageCase{"MoreLinesThanPliesCount", ManyLines(100000), Failed, false}),
     [](const auto& info) { return info.param.Name; });
@@ -151,6 +152,33 @@ TEST_F(GameRecords, TheDrawTokenRoundTripsInTheCentralEuropeanCodePage) {
         State().PlyNow = 2;
         EXPECT_EQ(Save("again"), "");
         EXPECT_EQ(ReadFile("again"), record);
+    });
+}
+
+// A record of a user of Black: dropping the abandoned move leaves the controls waiting, so "Move now" or a
+// new game is next.
+TEST_F(GameRecords, OfABlackUserLoadedWhileTheEngineThinksKeepTheThinkingState) {
+    Play([&] {
+        DragMove("e2", "e4");
+        WriteFile("given", "\tWhite\tBlack(You)\r\n1.\td4\t\r\n");
+        Screen.DialogAnswers = {Path("given")};
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[4]), ElementsAre("force"));
+        Engine.Say("Black(1): c5 ");
+        EXPECT_EQ(State().Thinking, True);
+        EXPECT_EQ(State().StopRequested, False);
+        EXPECT_EQ(State().CurPos.SideToMove, Black);
+        EXPECT_EQ(State().PlyCount, 1);
+    });
+}
+
+TEST_F(GameRecords, SavedWhileTheEngineThinksHoldTheMovesSoFar) {
+    Play([&] {
+        Choose(Game->Board.SubFileMenu[1]);
+        SayMove("White", "e4");
+        DragMove("e7", "e5");
+        EXPECT_EQ(Save("black"), "");
+        EXPECT_EQ(ReadFile("black"), "\tWhite\tBlack(You)\r\n1.\te4\te5\r\n");
+        EXPECT_EQ(Controls(), 't');
     });
 }
 

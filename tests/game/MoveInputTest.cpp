@@ -72,7 +72,8 @@ TEST_P(Refusal, LeavesTheGameAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(MoveInput, Refusal,
-                         testing::Values(RefusalCase{"ComputersPiece", "e7", "e5", {0, 0}},
+                         testing::Values(RefusalCase{"PieceThatCannotBeTaken", "e2", "e7", {5, 7}},
+                                         RefusalCase{"ComputersPiece", "e7", "e5", {0, 0}},
                                          RefusalCase{"EmptySquare", "e4", "e5", {0, 0}},
                                          RefusalCase{"IllegalTarget", "e2", "e5", {5, 7}},
                                          RefusalCase{"OwnPieceAsTarget", "a1", "a2", {1, 8}}),
@@ -149,13 +150,41 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         SpecialCase{"CastlesKingSide", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g1", {"O-O"}, {7, 8}},
         SpecialCase{"CastlesQueenSide", u"4k3/8/8/8/8/8/8/R3K3 w Q - 0 1", "e1", "c1", {"O-O-O"}, {3, 8}},
-        // The file alone decides: with the right to castle, a king's step to g2 castles.
+        // The file alone decides: with the right to castle, a king sent to g5 castles.
         SpecialCase{"CastlesByTheFileAlone", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g5", {"O-O"}, {7, 8}},
         SpecialCase{"NoRight", u"4k3/8/8/8/8/8/8/4K2R w - - 0 1", "e1", "g1", {}, {0, 0}},
         SpecialCase{"EnPassant", u"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5", "d6", {"exd6"}, {4, 3}},
         SpecialCase{"PromotesToAQueen", u"4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "a7", "a8", {"a8=Q"}, {1, 1}},
         SpecialCase{"Disambiguates", u"4k3/8/8/8/8/8/4K3/R6R w - - 0 1", "a1", "d1", {"Rad1"}, {4, 8}}),
     [](const auto& info) { return info.param.Name; });
+
+TEST_F(MoveInput, ABlackUserPromotesAndCastlesOnATurnedBoard) {
+    Play([&] {
+        Choose(Game->Board.SubFileMenu[1]);
+        SayMove("White", "e4");
+        Text fen = u"r3k3/8/8/8/8/8/p5p1/4K3 b q - 0 1";
+        notation::FenToPosition(fen, State().CurPos);
+        Choose(Game->Board.pprom[2]);
+        EXPECT_TRUE(Game->Board.pprom[2].Checked);
+        EXPECT_FALSE(Game->Board.pprom[3].Checked);
+        EXPECT_THAT(DragMove("a2", "a1"), ElementsAre("sync", "a1=R"));
+        EXPECT_EQ(PieceAt(State().CurPos, 1, 8), Rook + BlackOffset);
+        EXPECT_EQ(Strip(), "Move: a1=R+");
+        SayMove("White", "Kf2");
+        EXPECT_THAT(ClickMove("g2", "g1"), ElementsAre("sync", "g1=R")); // the choice stays
+        SayMove("White", "Kf3");
+        EXPECT_THAT(ClickMove("e8", "c8"), ElementsAre("sync", "O-O-O"));
+        EXPECT_EQ(LastMark(), std::pair(3, 1));
+    });
+}
+
+TEST_F(MoveInput, AStalemateHasNoMark) {
+    SetUp(u"7k/8/6K1/8/8/8/8/5Q2 w - - 0 1", [&] {
+        DragMove("f1", "f7");
+        EXPECT_EQ(Strip(), "Move: Qf7");
+        EXPECT_TRUE(UpperLight());
+    });
+}
 
 TEST_F(MoveInput, AfterAMateTheBoardTakesNothingUntilANewGame) {
     SetUp(u"7k/8/5KQ1/8/8/8/8/8 w - - 0 1", [&] {
