@@ -60,7 +60,8 @@ void Search::Start(const SearchRoot& root, const SearchLimits& limits, InfoCallb
     Result();
     root_ = root;
     limits_ = limits;
-    handicap_ = HandicapFor(limits.Skill);
+    handicap_ = HandicapFor(limits.Skill, root_.Position);
+    occasion_ = seed_ * 1000003 + searches_++;
     info_ = std::move(info);
     result_ = {};
     stop_.store(false, std::memory_order_relaxed);
@@ -113,6 +114,15 @@ bool Search::SoftTimeIsUp(int stability, int valueDropCp) const {
     return now >= from + (soft - from) * percent / 100;
 }
 
+/// The line's second move; when the line was cut short, what the table holds for the position after the first.
+Move Search::ExpectedReply(const std::vector<Move>& line) const {
+    if (line.size() > 1) return line[1];
+    Board next = root_.Position;
+    next.Make(line[0]);
+    TableEntry entry;
+    return table_.Probe(next.PositionKey(), entry) && IsLegal(next, entry.Best) ? entry.Best : Move{};
+}
+
 /// A helper that got further with a better move knows best.
 const SearchWorker& Search::BestWorker() const {
     const SearchWorker* best = workers_[0].get();
@@ -156,7 +166,7 @@ void Search::RunSearch() {
     table_.NextGeneration();
     std::vector<std::thread> helpers;
     // A weaker player works alone, so that its work is measured.
-    const std::size_t threads = limits_.Skill < 100 ? 1 : workers_.size();
+    const std::size_t threads = handicap_.IsNone() ? workers_.size() : 1;
     for (std::size_t i = 1; i < threads; ++i) helpers.emplace_back([this, i] { workers_[i]->Think(); });
     workers_[0]->Think();
     // An endless search has said all it can, but its answer is wanted only when asked for.
@@ -170,13 +180,13 @@ void Search::RunSearch() {
     const SearchWorker& worker = threads > 1 && limits_.MultiPv == 1 ? BestWorker() : *workers_[0];
     if (!worker.RootMoves().empty()) {
         const std::vector<RootMove>& moves = worker.RootMoves();
-        std::vector<int> values;
-        for (const RootMove& move : moves) values.push_back(std::max(move.Value, move.PreviousValue));
-        const RootMove& best = moves[ChooseCandidate(values, handicap_, seed_ + searches_++)];
+        std::vector<Candidate> candidates;
+        for (const RootMove& move : moves) candidates.push_back({move.First, std::max(move.Value, move.PreviousValue)});
+        const RootMove& best = moves[ChooseCandidate(root_.Position, candidates, handicap_, occasion_)];
         result.Best = best.First;
         result.Value = best.Value != -InfiniteValue ? best.Value : best.PreviousValue;
         result.Depth = worker.CompletedDepth();
-        if (best.Line.size() > 1) result.Reply = best.Line[1];
+        result.Reply = ExpectedReply(best.Line);
     }
     const std::lock_guard lock(mutex_);
     result_ = result;

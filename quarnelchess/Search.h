@@ -110,6 +110,7 @@ class Search {
     /// No new iteration: later when the best move keeps changing or its value falls, sooner when it stands.
     bool SoftTimeIsUp(int stability, int valueDropCp) const;
     const SearchWorker& BestWorker() const;
+    Move ExpectedReply(const std::vector<Move>& line) const;
     void SetDeadlines(std::int64_t startMs);
 
     Clock& clock_;
@@ -121,6 +122,7 @@ class Search {
     SearchLimits limits_;
     Handicap handicap_;
     std::uint64_t searches_ = 0; // since the seed was set
+    std::uint64_t occasion_ = 0; // random state of the search, for a player with a handicap
     InfoCallback info_;
     SearchResult result_;
     std::atomic<bool> stop_{false};

@@ -424,6 +424,7 @@ int SearchWorker::SearchNode(const Board& board, int alpha, int beta, int depth,
     int bestValue = -InfiniteValue;
     Move bestMove;
     int moveCount = 0;
+    int overlooked = 0;
     TriedMoves triedQuiets;
     TriedMoves triedNoisies;
     const int alphaBefore = alpha;
@@ -434,6 +435,10 @@ int SearchWorker::SearchNode(const Board& board, int alpha, int beta, int depth,
         if (root && std::none_of(rootMoves_.begin() + static_cast<std::ptrdiff_t>(lineIndex_), rootMoves_.end(),
                                  [move](const RootMove& r) { return r.First == move; }))
             continue;
+        if (!root && Overlooks(search_.handicap_, board, move, search_.occasion_)) {
+            ++overlooked;
+            continue;
+        }
         ++moveCount;
         const bool noisy = board.IsNoisy(move);
         const int quietScore = noisy ? 0 : QuietScore(board, move, ply);
@@ -505,6 +510,7 @@ int SearchWorker::SearchNode(const Board& board, int alpha, int beta, int depth,
     }
     state.Extensions = extensionsBefore;
 
+    if (moveCount == 0 && overlooked > 0) return evaluation_.Evaluate(board);
     if (moveCount == 0) return excluded ? alpha : inCheck ? -MateValue + ply : DrawValue;
     if (bestValue >= beta) RewardCutoff(board, ply, bestMove, triedQuiets, triedNoisies, depth);
     if (excluded) return bestValue;
@@ -555,6 +561,10 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     Move bestMove;
     int moveCount = 0;
     while (const Move move = picker.Next()) {
+        if (Overlooks(search_.handicap_, board, move, search_.occasion_)) {
+            if (inCheck && bestValue <= -MateInMaxPly) bestValue = evaluation_.Evaluate(board);
+            continue;
+        }
         ++moveCount;
         if (!inCheck && !move.IsPromotion()) {
             // Not even winning the piece for nothing would help.

@@ -43,6 +43,7 @@ std::uint8_t ReadRights(std::string_view field, char kingSide, char queenSide) {
 
 Session::Session(Clock& clock, InputCallback input, OutputCallback output)
     : clock_(clock), input_(std::move(input)), output_(std::move(output)), search_(clock) {
+    search_.SetSeed(static_cast<std::uint64_t>(clock_.NowMs()));
     ResetPosition(RecordFromBoard(Board::Start()), 0);
 }
 
@@ -141,6 +142,7 @@ bool Session::ObeyPositionCommand(std::string_view word, std::string_view rest) 
         if (thinking_) Force();
         StopPondering();
         search_.NewGame();
+        search_.SetSeed(static_cast<std::uint64_t>(clock_.NowMs())); // no two games alike
         ResetPosition(RecordFromBoard(Board::Start()), 0);
         return true;
     }
@@ -195,7 +197,7 @@ bool Session::UserMove(std::string_view text) {
     const int index = FindSan(record_, text, legal);
     if (index < 0) return false;
 
-    const bool asExpected = pondering_ && MoveFromRecord(*board_, legal.Moves[index]) == expected_;
+    const bool asExpected = pondering_ && expected_ && MoveFromRecord(*board_, legal.Moves[index]) == expected_;
     if (!asExpected) StopPondering();
     PlayRecord(legal.Moves[index]);
     if (asExpected) {
@@ -256,11 +258,14 @@ void Session::Go() {
 }
 
 void Session::Ponder() {
-    if (!ponderWanted_ || pondering_ || !board_ || !expected_ || !IsLegal(*board_, expected_)) return;
+    if (!ponderWanted_ || pondering_ || !board_ || CountMoves(*board_) == 0) return;
     SearchRoot root{*board_, earlier_};
-    root.Earlier.push_back(board_->PositionKey());
-    root.Position.Make(expected_);
-    if (CountMoves(root.Position) == 0) return;
+    if (IsLegal(*board_, expected_)) {
+        root.Earlier.push_back(board_->PositionKey());
+        root.Position.Make(expected_);
+        if (CountMoves(root.Position) == 0) return;
+    }
+    // Without an expected move the user's own choices are looked at: what the table learns serves the answer.
     SearchLimits limits = Limits();
     limits.Ponder = true;
     search_.Start(root, limits);

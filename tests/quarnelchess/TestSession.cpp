@@ -302,7 +302,7 @@ TEST(Session, PondersOnTheUsersTimeAndPlaysOnAfterAHitOrAMiss) {
         const std::size_t texts = d.Texts.size();
         d.Say({"sync", move});
         ASSERT_EQ(d.Texts.size(), texts + 1) << move;
-        EXPECT_TRUE(d.TheSession.IsPondering());
+        EXPECT_TRUE(d.TheSession.IsPondering()) << move;
     }
     d.Say({"ponder off"});
     EXPECT_FALSE(d.TheSession.IsPondering());
