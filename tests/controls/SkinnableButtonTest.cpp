@@ -40,8 +40,8 @@ class SkinnableButtonTest : public testing::Test {
     }
     bool Pressed() const { return button.lbl_Caption.Top.Get() == 5; }
 
-    ScriptedDesktop desktop;
     Form form{"Form", FormBorder::Framed};
+    ScriptedDesktop desktop;
     ctrl_SkinableButton button{"button", u"OK"};
     int clicks = 0;
     bool pressedAtClick = false;

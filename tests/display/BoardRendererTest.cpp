@@ -17,6 +17,12 @@ TEST_F(BoardRendererTest, ShowsTheStartPositionInBothOrientations) {
     EXPECT_TRUE(Shown() == ExpectedFrame{state.CurPos}.Draw(desktop));
 }
 
+TEST_F(BoardRendererTest, TurningRoundKeepsTheBackgroundOfAPieceInMotion) {
+    pictures.buf[1].Fill(ColourWhite);
+    renderer.FlipBoard();
+    EXPECT_TRUE(pictures.buf[1] == Surface(400, 400, ColourWhite));
+}
+
 TEST_F(BoardRendererTest, MarksTheLastMoveUnderAndTheSelectionOverThePieces) {
     for (const Truth flipped : {False, True}) {
         state.BoardFlipped = flipped;
@@ -70,11 +76,13 @@ TEST_F(BoardRendererTest, LooksForTheCheckedKingInTheCurrentPositionFromH1On) {
     expected.Inverted = {5, 8};
     EXPECT_TRUE(Shown() == expected.Draw(desktop));
 
-    // Files come before rows: h8 is found before g1.
-    state.CurPos = MakePosition("K......K......................................................K.");
+    // Files come before rows, and row 8 before row 1: h3 is found before h8 and g1.
+    for (const Square king : {Square{8, 6}, Square{8, 1}, Square{7, 8}})
+        PieceAt(state.CurPos, king.File, king.Row) = King;
+    PieceAt(state.CurPos, 5, 8) = NoPiece;
     renderer.RedrawBoard();
     expected = {state.CurPos};
-    expected.Inverted = {8, 1};
+    expected.Inverted = {8, 6};
     EXPECT_TRUE(Shown() == expected.Draw(desktop));
 
     state.CurPos = MakePosition("k");
@@ -147,6 +155,7 @@ TEST_F(BoardRendererTest, ShowMoveTextNamesTheMoveAndLightsTheSideToMove) {
         state.PlyNow = c.PlyNow;
         renderer.ShowMoveText(c.Move);
         EXPECT_EQ(status.mdis.Caption.Get(), Text(u"Move: ") + c.Move);
+        EXPECT_EQ(frmBoard.Announcement.Get(), Text(u"Move: ") + c.Move);
         EXPECT_EQ(status.Picture4[0].Visible.Get(), c.Lower) << ToUtf8(c.Move) << c.PlyNow;
         EXPECT_EQ(status.Picture4[1].Visible.Get(), c.Upper) << ToUtf8(c.Move) << c.PlyNow;
     }

@@ -232,14 +232,18 @@ TEST_F(MovePieceTest, FollowsThePointerWithoutATrail) {
         const Square origin{7, 8};
         const PixelPoint start = ImageAt(origin, flipped);
         PixelPoint pointer{start.X + 20, start.Y + 20};
-        for (const PixelPoint& next : {PixelPoint{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 120}}) {
+        for (const PixelPoint& next :
+             {PixelPoint{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 365}, {120, 120}}) {
             desktop.Script.push_back([this, origin, &pointer, next] {
                 EXPECT_TRUE(Shown() == Expected(origin, pointer.X, pointer.Y).Draw(desktop)) << "at " << pointer.X;
                 pointer = next;
                 desktop.Move(frmBoard, next.X, next.Y, PointerButton::Left);
             });
         }
-        desktop.Script.push_back([this] { desktop.Release(frmBoard, 120, 120); });
+        desktop.Script.push_back([this, origin] {
+            EXPECT_TRUE(Shown() == Expected(origin, 120, 120).Draw(desktop));
+            desktop.Release(frmBoard, 120, 120);
+        });
         Drag(origin);
         EXPECT_TRUE(desktop.Script.empty());
         ExpectedFrame dropped{state.CurPos, flipped};
@@ -258,6 +262,9 @@ TEST_F(MovePieceTest, SleepsWhileThePointerRestsAndNeverOnceThePieceIsDropped) {
             desktop.Release(frmBoard, 110, 100);
         },
     };
+    // Where the last drag ended is no reason to leave the first frame out.
+    controller.DragLastX = 18 + 6 * 41 + 20;
+    controller.DragLastY = 18 + 7 * 41 + 20;
     Drag({7, 8});
     const std::vector<std::string> expected{
         "present 366x366",
