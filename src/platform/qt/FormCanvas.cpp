@@ -102,23 +102,33 @@ void FormCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void FormCanvas::mouseReleaseEvent(QMouseEvent* event) {
-    ReleaseAllBut(event->buttons(), *event);
+    ReleaseWhatIsNotHeld(*event);
 }
 
 void FormCanvas::mouseMoveEvent(QMouseEvent* event) {
-    ReleaseAllBut(event->buttons(), *event);
-    if (carrying_) {
-        window()->move(event->globalPosition().toPoint() - grabbedAt_);
-        return;
-    }
-    Push(Action::Move, ToPointerButton(event->buttons()), event->modifiers(), event->position());
+    FollowPointer(*event);
 }
 
-// A release can get lost, for example when the window manager takes the pointer away in the middle of a press. It is
-// made up for as soon as the pointer is seen without the button.
-void FormCanvas::ReleaseAllBut(Qt::MouseButtons held, const QMouseEvent& event) {
+// The toolkit drops a move to the place where the pointer came in.
+void FormCanvas::enterEvent(QEnterEvent* event) {
+    FollowPointer(*event);
+}
+
+void FormCanvas::FollowPointer(const QSinglePointEvent& event) {
+    ReleaseWhatIsNotHeld(event);
+    if (carrying_) {
+        window()->move(event.globalPosition().toPoint() - grabbedAt_);
+        return;
+    }
+    Push(Action::Move, ToPointerButton(event.buttons()), event.modifiers(), event.position());
+}
+
+// Pushes the release of every button that `event` does not hold any longer. A release can get lost, for example when
+// the window manager takes the pointer away in the middle of a press; it is made up for as soon as the pointer is seen
+// again.
+void FormCanvas::ReleaseWhatIsNotHeld(const QSinglePointEvent& event) {
     for (const auto& [qtButton, button] : Buttons) {
-        if (!pressed_.testFlag(qtButton) || held.testFlag(qtButton)) continue;
+        if (!pressed_.testFlag(qtButton) || event.buttons().testFlag(qtButton)) continue;
         pressed_.setFlag(qtButton, false);
         if (qtButton == Qt::LeftButton) carrying_ = false;
         Push(Action::Release, button, event.modifiers(), event.position());

@@ -10,6 +10,8 @@
 #include <QPoint>
 #include <QWidget>
 
+class QSinglePointEvent;
+
 namespace quarnel {
 
 class FormCanvas : public QWidget {
@@ -38,10 +40,12 @@ class FormCanvas : public QWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
 
   private:
     void Push(FormPointerEvent::Action what, PointerButton button, Qt::KeyboardModifiers keys, const QPointF& at);
-    void ReleaseAllBut(Qt::MouseButtons held, const QMouseEvent& event);
+    void FollowPointer(const QSinglePointEvent& event);
+    void ReleaseWhatIsNotHeld(const QSinglePointEvent& event);
     bool ShowToolTip(const QPoint& at, const QPoint& onScreen);
 
     Form* form_;
