@@ -1,4 +1,6 @@
 #include "controls/MessageBox.h"
+
+#include "base/Numbers.h"
 #include "platform/PictureSurface.h"
 #include "platform/scripted/ScriptedDesktop.h"
 
@@ -98,8 +100,8 @@ TEST_F(MessageBoxTest, SurroundsItselfWithTheSkinWithoutGaps) {
 
 TEST_F(MessageBoxTest, IsCutToItsOutline) {
     Open(u"Stalemate!");
-    const int w = static_cast<int>(dialog.OuterWidth / 15 + 0.5);
-    const int h = static_cast<int>(dialog.OuterHeight / 15 + 0.5);
+    const int w = RoundHalfEven(dialog.OuterWidth / 15);
+    const int h = RoundHalfEven(dialog.OuterHeight / 15);
     std::vector<std::pair<int, int>> expected(static_cast<std::size_t>(h), {0, w}); // first and end column of each row
     expected[0] = {0, 0};
     const std::pair<int, int> top[] = {{7, w - 6}, {5, w - 4}, {4, w - 3}, {3, w - 2},

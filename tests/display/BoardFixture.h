@@ -61,8 +61,8 @@ struct ExpectedFrame {
 
     // A piece's colour where the mask sheet says that there is any.
     static std::optional<Colour> Sprite(int piece, int x, int y) {
-        const auto* image = FindPicture("o_ppic");
-        const auto* mask = FindPicture("m_ppic");
+        static const auto* const image = FindPicture("o_ppic");
+        static const auto* const mask = FindPicture("m_ppic");
         const int kind = piece > 12 ? 0 : (piece - 1) % 6;
         const int index = (y + (piece > 6 && piece <= 12 ? 41 : 0)) * 246 + kind * 41 + x;
         if ((mask->pixels[index] & 0xFFFFFFU) == 0) return std::nullopt;

@@ -129,11 +129,13 @@ TEST(StretchBlt, FollowsTheSmoothingRuleWithinOneLevel) {
             std::vector<std::vector<double>> rows;
             for (int y = 0; y < c.SourceHeight; ++y) {
                 std::vector<double> row;
+                row.reserve(static_cast<std::size_t>(c.SourceWidth));
                 for (int x = 0; x < c.SourceWidth; ++x) row.push_back(Channel(source.At(x, y), channel));
                 rows.push_back(Stretched(row, c.Width));
             }
             for (int x = 0; x < c.Width; ++x) {
                 std::vector<double> column;
+                column.reserve(rows.size());
                 for (const auto& row : rows) column.push_back(row[static_cast<std::size_t>(x)]);
                 const std::vector<double> expected = Stretched(column, c.Height);
                 for (int y = 0; y < c.Height; ++y) {
