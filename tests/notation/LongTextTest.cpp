@@ -1,0 +1,75 @@
+#include "notation/LongText.h"
+
+#include "support/LibraryRules.h"
+
+#include <gtest/gtest.h>
+
+namespace quarnel::notation {
+namespace {
+
+const Text Free = u"4k3/4P3/8/3pP3/3pP3/8/1p6/R3K3 ";
+const Position WhiteToMove = PositionOf(Free + u"w - d6 0 1");
+const Position BlackToMove = PositionOf(Free + u"b - e3 0 1");
+const Position Occupied = PositionOf(u"4k3/8/3n4/3pP3/8/8/8/4K3 w - - 0 1");
+
+// The record's eight bytes in hexadecimal, a digit each.
+std::string Bytes(const MoveRec& move) {
+    std::string digits;
+    for (const int byte : {move.FromFile, move.FromRow, move.ToFile, move.ToRow, move.Castle, move.Promote,
+                           move.EpCapFile, move.EpCapRow}) {
+        digits += byte < 16 ? "0123456789abcdef"[byte] : '!';
+    }
+    return digits;
+}
+
+TEST(LongText, TextsBecomeRecords) {
+    const struct {
+        const Position& Before;
+        Text Written;
+        std::string Record;
+    } cases[] = {
+        {WhiteToMove, u"e2-e4", "57550000"},   {WhiteToMove, u"e5xd6", "54430044"},
+        {Occupied, u"e5xd6", "54430000"},      {WhiteToMove, u"e5-d6", "54430000"},
+        {BlackToMove, u"d4xe3", "45560055"},   {WhiteToMove, u"e7-e8=Q", "52510500"},
+        {BlackToMove, u"a2-a1=N", "17180800"}, {WhiteToMove, u"e7-e8=q", "52510000"},
+        {WhiteToMove, u"e7-e8 Q", "52510000"}, {WhiteToMove, u"o-o", "58001000"},
+        {WhiteToMove, u"0-0-0", "58002000"},   {BlackToMove, u"0-0", "51001000"},
+        {BlackToMove, u"o-o-o", "51002000"},   {WhiteToMove, u"a3xb4", "16250020"} // on no rank of a capture in passing
+    };
+    for (const auto& [before, written, record] : cases) {
+        EXPECT_EQ(Bytes(LongTextToMove(before, written)), record) << ToUtf8(written);
+    }
+    for (const TextView text : {u"", u"e2", u"e2-e", u"i2-e4", u"e9-e4", u"e2-e0", u"e2-j4", u"E2-E4", u"O-O", u"o-O",
+                                u"0-0-0-0", u"*", u"Ng1f3"}) {
+        EXPECT_EQ(Bytes(LongTextToMove(BlackToMove, text)), "00000000") << ToUtf8(text);
+    }
+}
+
+TEST(LongText, RecordsBecomeTexts) {
+    const std::pair<MoveRec, Text> cases[] = {
+        {{5, 5, 5, 6, 0, 0, 0, 0}, u"e4-e3"},    {{5, 5, 4, 4, 0, 0, 0, 0}, u"e4xd5"},
+        {{4, 5, 5, 6, 0, 0, 5, 5}, u"d4xe3"},    {{2, 7, 1, 8, 0, 8, 0, 0}, u"b2xa1=N"},
+        {{2, 7, 2, 8, 0, 11, 0, 0}, u"b2-b1=Q"}, {{1, 2, 1, 1, 0, 4, 0, 0}, u"a7-a8=R"},
+        {{5, 8, 0, 0, 1, 0, 0, 0}, u"o-o"},      {{5, 8, 7, 8, 2, 0, 0, 0}, u"o-o-o"},
+        {{5, 8, 7, 8, 3, 0, 0, 0}, u""}};
+    for (const auto& [move, written] : cases) EXPECT_EQ(MoveToLongText(BlackToMove, move), written);
+}
+
+TEST(ResultText, HasACodeInThePromotionByte) {
+    const std::pair<Text, int> cases[] = {{u"1-0", 250}, {u"0-1", 251},           {u"1/2-1/2", 251}, {u"1/2", 251},
+                                          {u"-", 252},   {u"\u02DD-\u02DD", 251}, {u"*", 0}};
+    for (const auto& [text, code] : cases) {
+        EXPECT_TRUE(IsResultText(text)) << ToUtf8(text);
+        MoveRec move = LongTextToMoveRec(BlackToMove, text);
+        EXPECT_EQ(move.Promote, code) << ToUtf8(text);
+        move.Promote = 0;
+        EXPECT_EQ(Bytes(move), "00000000");
+    }
+    for (const TextView text : {u"", u"1-0 ", u"o-o", u"\u00BD"}) {
+        EXPECT_FALSE(IsResultText(text)) << ToUtf8(text);
+        EXPECT_EQ(Bytes(ResultToMoveRec(text)), "00000000");
+    }
+}
+
+} // namespace
+} // namespace quarnel::notation
