@@ -72,8 +72,6 @@ class Board {
     /// centipawns for the mover, both sides capturing with the least piece first.
     bool ExchangeGains(Move move, int threshold) const;
 
-    bool operator==(const Board&) const = default;
-
   private:
     friend class BoardBuilder;
     Board() = default;

@@ -259,8 +259,9 @@ class Evaluator {
         const Square king = board_.KingSquare(Us);
         const Bitboard ownPawns = board_.Pieces(Us, Pawn);
         const Bitboard enemyPawns = board_.Pieces(Them, Pawn);
-        const Bitboard notBehind = ~(Us == White ? (Bitboard{1} << (8 * RankOf(king))) - 1
-                                                 : (RankOf(king) == 7 ? 0 : ~Bitboard{0} << (8 * (RankOf(king) + 1))));
+        // The king's own rank and all ranks before it.
+        const Bitboard notBehind =
+            Us == White ? ~Bitboard{0} << (8 * RankOf(king & 63)) : ~Bitboard{0} >> (8 * (7 - RankOf(king & 63)));
         const int center = std::clamp(FileOf(king), 1, 6);
         for (int file = center - 1; file <= center + 1; ++file) {
             const Bitboard own = ownPawns & FileMask(file) & notBehind;

@@ -31,7 +31,7 @@ using Continuation = HistoryCounter<16384>[16][64];
 class History {
   public:
     History() : tables_(std::make_unique<Tables>()) {}
-    void Clear() { *tables_ = Tables{}; }
+    void Clear() { tables_ = std::make_unique<Tables>(); }
 
     auto& Quiet(Color side, Move move) { return tables_->Quiet[side][move.From()][move.To()]; }
     auto& Capture(Piece piece, Square to, PieceKind captured) { return tables_->Capture[piece][to][captured]; }

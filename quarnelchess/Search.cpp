@@ -181,6 +181,7 @@ void Search::RunSearch() {
     if (!worker.RootMoves().empty()) {
         const std::vector<RootMove>& moves = worker.RootMoves();
         std::vector<Candidate> candidates;
+        candidates.reserve(moves.size());
         for (const RootMove& move : moves) candidates.push_back({move.First, std::max(move.Value, move.PreviousValue)});
         const RootMove& best = moves[ChooseCandidate(root_.Position, candidates, handicap_, occasion_)];
         result.Best = best.First;

@@ -59,7 +59,12 @@ class TranspositionTable {
         return static_cast<std::size_t>((static_cast<WideKey>(key) * clusterCount_) >> 64);
     }
 
-    std::unique_ptr<Cluster[]> clusters_;
+    struct Release {
+        void operator()(Cluster* clusters) const;
+    };
+    static Cluster* Allocate(std::size_t count);
+
+    std::unique_ptr<Cluster[], Release> clusters_;
     std::size_t clusterCount_ = 0;
     unsigned generation_ = 0;
 };

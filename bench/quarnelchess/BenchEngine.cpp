@@ -27,7 +27,7 @@ constexpr const char* SymmetryFen = "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP
 void CountLeaves(benchmark::State& state, const char* fen, int depth, std::uint64_t expected) {
     const Board board = ReadFen(fen).value();
     std::uint64_t leaves = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const std::uint64_t found = Perft(board, depth);
         if (found != expected) state.SkipWithError("wrong number of leaves");
         leaves += found;
@@ -38,7 +38,7 @@ void CountLeaves(benchmark::State& state, const char* fen, int depth, std::uint6
 void CountLeavesNaively(benchmark::State& state, const char* fen, int depth, std::uint64_t expected) {
     const naive::Game game = naive::Read(fen);
     std::uint64_t leaves = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const std::uint64_t found = naive::Perft(game, depth);
         if (found != expected) state.SkipWithError("wrong number of leaves");
         leaves += found;
@@ -49,7 +49,7 @@ void CountLeavesNaively(benchmark::State& state, const char* fen, int depth, std
 void ListLegalMoves(benchmark::State& state) {
     const Position position = RecordFromBoard(ReadFen(TwoCastlesFen).value());
     MoveList list;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         ListMoves(position, White, list);
         benchmark::DoNotOptimize(list);
     }
@@ -64,7 +64,7 @@ void SearchNodes(benchmark::State& state) {
     SearchLimits limits;
     limits.Nodes = 1000000;
     std::uint64_t nodes = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         for (const char* fen : {StartFen, TwoCastlesFen, RookEndingFen, SymmetryFen}) {
             search.NewGame();
             SearchRoot root;
@@ -79,18 +79,18 @@ void Register(bool deep) {
     const struct {
         const char* Name;
         const char* Fen;
-        int Depth;
         std::uint64_t Leaves;
+        int Depth;
         bool Deep;
     } counts[] = {
-        {"Perft/Start/6", StartFen, 6, 119060324, false},
-        {"Perft/Start/7", StartFen, 7, 3195901860ULL, true},
-        {"Perft/TwoCastles/5", TwoCastlesFen, 5, 193690690, false},
-        {"Perft/RookEnding/7", RookEndingFen, 7, 178633661, false},
-        {"Perft/Promotions/5", PromotionsFen, 5, 15833292, false},
-        {"Perft/Promotions/6", PromotionsFen, 6, 706045033, true},
-        {"Perft/Discovery/5", DiscoveryFen, 5, 89941194, false},
-        {"Perft/Symmetry/5", SymmetryFen, 5, 164075551, false},
+        {"Perft/Start/6", StartFen, 119060324, 6, false},
+        {"Perft/Start/7", StartFen, 3195901860ULL, 7, true},
+        {"Perft/TwoCastles/5", TwoCastlesFen, 193690690, 5, false},
+        {"Perft/RookEnding/7", RookEndingFen, 178633661, 7, false},
+        {"Perft/Promotions/5", PromotionsFen, 15833292, 5, false},
+        {"Perft/Promotions/6", PromotionsFen, 706045033, 6, true},
+        {"Perft/Discovery/5", DiscoveryFen, 89941194, 5, false},
+        {"Perft/Symmetry/5", SymmetryFen, 164075551, 5, false},
     };
     for (const auto& c : counts)
         if (deep || !c.Deep)
