@@ -92,6 +92,7 @@ void FormWindow::FollowForm() {
 }
 
 void FormWindow::FollowPosition() {
+    if (adoptsPosition_) return;
     const QPoint position(RoundHalfEven(form_->Left), RoundHalfEven(form_->Top));
     if (position == followedPosition_) return;
     followedPosition_ = position;
@@ -102,8 +103,11 @@ void FormWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
     if (form_ == nullptr) return;
     followedPosition_ = pos();
+    // Each of the two properties reports its change while the other is still the old one.
+    adoptsPosition_ = true;
     form_->Left = pos().x();
     form_->Top = pos().y();
+    adoptsPosition_ = false;
 }
 
 void FormWindow::SetBlocked(bool blocked) {
@@ -117,10 +121,8 @@ void FormWindow::Shape(std::span<const Rectangle> rectangles) {
 }
 
 void FormWindow::PlaceAbove(QWidget* owner) {
-    create();
     const bool above = owner != nullptr && owner->isVisible();
-    if (above) windowHandle()->setTransientParent(owner->windowHandle());
-    const QRect room = screen()->availableGeometry();
+    const QRect room = (above ? owner : this)->screen()->availableGeometry();
     QRect place(QPoint(), size());
     place.moveCenter(above ? owner->geometry().center() : room.center());
     place.moveRight(std::min(place.right(), room.right()));
@@ -128,6 +130,8 @@ void FormWindow::PlaceAbove(QWidget* owner) {
     place.moveLeft(std::max(place.left(), room.left()));
     place.moveTop(std::max(place.top(), room.top()));
     move(place.topLeft());
+    create();
+    if (above) windowHandle()->setTransientParent(owner->windowHandle());
 }
 
 void FormWindow::closeEvent(QCloseEvent* event) {

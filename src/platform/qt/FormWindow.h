@@ -52,6 +52,7 @@ class FormWindow : public QMainWindow {
     FormCanvas* canvas_;             // owned by this window, as the toolkit does it
     FormMenuBar* menuBar_ = nullptr; // likewise; null for a form without menus
     QPoint followedPosition_;        ///< the form's Left and Top when the window was last moved to them
+    bool adoptsPosition_ = false;    ///< the form is being told where the window was moved to
     Text followedAnnouncement_;
 };
 

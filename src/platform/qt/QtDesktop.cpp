@@ -221,7 +221,8 @@ void QtDesktop::ShowModal(Form& form) {
     window->raise();
     window->activateWindow();
     while (form.Loaded.Get()) {
-        WaitEvent();
+        // Not a wait for an event of ours: a form's close may end the show without one.
+        if (queue_.Empty()) Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         ProcessEvents();
     }
 }
@@ -283,8 +284,7 @@ std::optional<std::filesystem::path> QtDesktop::RunFileDialog(Form& owner, const
     dialog.show();
     while (!result) {
         Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-        while (queue_.DeliverNext()) {
-        }
+        ProcessEvents();
     }
     const QStringList files = dialog.selectedFiles();
     if (*result != QDialog::Accepted || files.isEmpty()) return std::nullopt;

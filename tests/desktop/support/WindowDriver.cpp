@@ -1,0 +1,347 @@
+#include "support/WindowDriver.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/extensions/shape.h>
+#include <X11/keysym.h>
+#include <png.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace quarnel::xdriver {
+
+namespace {
+
+// A window may go away between two requests. The request then fails and its caller sees nothing there.
+int PassOver(Display* /*display*/, XErrorEvent* /*error*/) {
+    return 0;
+}
+
+struct FreeLater {
+    void operator()(void* memory) const { XFree(memory); }
+};
+template <class T>
+using Freed = std::unique_ptr<T, FreeLater>;
+
+std::vector<Window> ChildrenOf(Display* display, Window window) {
+    Window root = 0;
+    Window parent = 0;
+    Window* children = nullptr;
+    unsigned count = 0;
+    if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) return {};
+    const Freed<Window> freed(children);
+    return {children, children + count};
+}
+
+Window ParentOf(Display* display, Window window) {
+    Window root = 0;
+    Window parent = 0;
+    Window* children = nullptr;
+    unsigned count = 0;
+    if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) return 0;
+    const Freed<Window> freed(children);
+    return parent;
+}
+
+} // namespace
+
+WindowDriver::WindowDriver(const std::string& name) {
+    XSetErrorHandler(PassOver);
+    display_ = XOpenDisplay(name.c_str());
+    if (display_ == nullptr) throw std::runtime_error("The display " + name + " cannot be opened.");
+    root_ = DefaultRootWindow(display_);
+}
+
+WindowDriver::~WindowDriver() {
+    XCloseDisplay(display_);
+}
+
+bool WindowDriver::WaitUntil(const std::function<bool()>& state) {
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(PatienceSeconds);
+    while (!state()) {
+        if (std::chrono::steady_clock::now() > giveUp) return false;
+        if (BetweenLooks) {
+            BetweenLooks();
+        } else {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+    return true;
+}
+
+// Properties and messages.
+
+std::vector<unsigned long> WindowDriver::LongsProperty(WindowId window, const char* property) {
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* data = nullptr;
+    const Atom atom = XInternAtom(display_, property, False);
+    const int result = XGetWindowProperty(display_, window, atom, 0, 4096, False, AnyPropertyType, &type, &format,
+                                          &count, &left, &data);
+    const Freed<unsigned char> freed(data);
+    if (result != Success || format != 32) return {};
+    const auto* longs = reinterpret_cast<const unsigned long*>(data);
+    return {longs, longs + count};
+}
+
+std::string WindowDriver::TextProperty(WindowId window, const char* property) {
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* data = nullptr;
+    const Atom atom = XInternAtom(display_, property, False);
+    const int result = XGetWindowProperty(display_, window, atom, 0, 4096, False, AnyPropertyType, &type, &format,
+                                          &count, &left, &data);
+    const Freed<unsigned char> freed(data);
+    if (result != Success || format != 8) return {};
+    return {reinterpret_cast<const char*>(data), count};
+}
+
+void WindowDriver::SendToRoot(WindowId window, const char* message, long first, long second) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display_, message, False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = first;
+    event.xclient.data.l[1] = second;
+    XSendEvent(display_, root_, False, SubstructureRedirectMask | SubstructureNotifyMask, &event);
+    XSync(display_, False);
+}
+
+bool WindowDriver::HasWindowManager() {
+    const auto check = LongsProperty(root_, "_NET_SUPPORTING_WM_CHECK");
+    return !check.empty() && LongsProperty(check[0], "_NET_SUPPORTING_WM_CHECK") == check;
+}
+
+// Windows.
+
+WindowId WindowDriver::FindWindow(const std::string& title) {
+    for (const WindowId window : LongsProperty(root_, "_NET_CLIENT_LIST")) {
+        XWindowAttributes attributes;
+        if (TextProperty(window, "_NET_WM_NAME") != title) continue;
+        if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.map_state == IsViewable) {
+            return window;
+        }
+    }
+    return 0;
+}
+
+WindowId WindowDriver::WaitForWindow(const std::string& title) {
+    WindowId window = 0;
+    WaitUntil([&] { return (window = FindWindow(title)) != 0; });
+    return window;
+}
+
+std::vector<WindowId> WindowDriver::UnmanagedWindows() {
+    std::vector<WindowId> windows;
+    for (const Window window : ChildrenOf(display_, root_)) {
+        XWindowAttributes attributes;
+        if (XGetWindowAttributes(display_, window, &attributes) == 0) continue;
+        // Window managers keep windows of their own beyond the screen's edge.
+        const bool seen = attributes.map_state == IsViewable && attributes.c_class == InputOutput &&
+                          attributes.x + attributes.width > 0 && attributes.y + attributes.height > 0;
+        if (seen && attributes.override_redirect != 0 && ChildrenOf(display_, window).empty()) {
+            windows.push_back(window);
+        }
+    }
+    return windows;
+}
+
+bool WindowDriver::HasKeys(WindowId window) {
+    Window focus = 0;
+    int revert = 0;
+    XGetInputFocus(display_, &focus, &revert);
+    while (focus > PointerRoot && focus != window) focus = ParentOf(display_, focus);
+    return focus == window;
+}
+
+std::optional<Rectangle> WindowDriver::Area(WindowId window) {
+    XWindowAttributes attributes;
+    if (window == 0 || XGetWindowAttributes(display_, window, &attributes) == 0) return std::nullopt;
+    int x = 0;
+    int y = 0;
+    Window child = 0;
+    if (XTranslateCoordinates(display_, window, root_, 0, 0, &x, &y, &child) == 0) return std::nullopt;
+    return Rectangle{x, y, x + attributes.width, y + attributes.height};
+}
+
+std::vector<Rectangle> WindowDriver::Outline(WindowId window) {
+    int count = 0;
+    int ordering = 0;
+    const Freed<XRectangle> rectangles(XShapeGetRectangles(display_, window, ShapeBounding, &count, &ordering));
+    std::vector<Rectangle> outline;
+    for (int i = 0; i < count; ++i) {
+        const XRectangle& r = rectangles.get()[i];
+        outline.push_back({r.x, r.y, r.x + r.width, r.y + r.height});
+    }
+    return outline;
+}
+
+int WindowDriver::Higher(WindowId first, WindowId second) {
+    const auto stacked = ChildrenOf(display_, root_);
+    const auto height = [&](WindowId window) {
+        while (window != 0 && ParentOf(display_, window) != root_) window = ParentOf(display_, window);
+        return std::find(stacked.begin(), stacked.end(), window);
+    };
+    const auto a = height(first);
+    const auto b = height(second);
+    if (a == stacked.end() || b == stacked.end() || a == b) return 0;
+    return a > b ? 1 : -1;
+}
+
+// Hands.
+
+void WindowDriver::MoveTo(WindowId window, int x, int y) {
+    const auto area = Area(window != 0 ? window : root_);
+    if (!area) return;
+    XTestFakeMotionEvent(display_, -1, area->Left + x, area->Top + y, 0);
+    XSync(display_, False);
+}
+
+void WindowDriver::Press(int button) {
+    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), True, 0);
+    XSync(display_, False);
+}
+
+void WindowDriver::Release(int button) {
+    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), False, 0);
+    XSync(display_, False);
+}
+
+void WindowDriver::Click(WindowId window, int x, int y, int button) {
+    MoveTo(window, x, y);
+    Press(button);
+    Release(button);
+}
+
+void WindowDriver::Drag(WindowId window, int fromX, int fromY, int toX, int toY) {
+    constexpr int Places = 8;
+    MoveTo(window, fromX, fromY);
+    Press();
+    for (int i = 1; i <= Places; ++i) {
+        MoveTo(window, fromX + (toX - fromX) * i / Places, fromY + (toY - fromY) * i / Places);
+    }
+    Release();
+}
+
+void WindowDriver::Key(unsigned long symbol, bool down) {
+    XTestFakeKeyEvent(display_, XKeysymToKeycode(display_, symbol), down ? True : False, 0);
+}
+
+void WindowDriver::Chord(const std::string& keys) {
+    std::vector<KeySym> symbols;
+    for (std::size_t at = 0; at <= keys.size();) {
+        const std::size_t end = std::min(keys.find('+', at), keys.size());
+        const std::string name = keys.substr(at, end - at);
+        at = end + 1;
+        if (name == "Ctrl") {
+            symbols.push_back(XK_Control_L);
+        } else if (name == "Shift") {
+            symbols.push_back(XK_Shift_L);
+        } else if (name == "Alt") {
+            symbols.push_back(XK_Alt_L);
+        } else {
+            symbols.push_back(XStringToKeysym(name.c_str()));
+        }
+    }
+    for (const KeySym symbol : symbols) Key(symbol, true);
+    for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol) Key(*symbol, false);
+    XSync(display_, False);
+}
+
+// The window manager.
+
+void WindowDriver::AskToClose(WindowId window) {
+    SendToRoot(window, "_NET_CLOSE_WINDOW", CurrentTime, 2);
+}
+
+void WindowDriver::Activate(WindowId window) {
+    SendToRoot(window, "_NET_ACTIVE_WINDOW", 2, CurrentTime);
+}
+
+WindowId WindowDriver::Cover(const Rectangle& area, Colour colour) {
+    XSetWindowAttributes attributes{};
+    attributes.override_redirect = True;
+    attributes.background_pixel = colour & 0xFFFFFFU;
+    const Window cover =
+        XCreateWindow(display_, root_, area.Left, area.Top, static_cast<unsigned>(area.Right - area.Left),
+                      static_cast<unsigned>(area.Bottom - area.Top), 0, CopyFromParent, InputOutput, nullptr,
+                      CWOverrideRedirect | CWBackPixel, &attributes);
+    XMapRaised(display_, cover);
+    XSync(display_, False);
+    return cover;
+}
+
+void WindowDriver::RemoveCover(WindowId cover) {
+    XDestroyWindow(display_, cover);
+    XSync(display_, False);
+}
+
+// Eyes.
+
+Surface WindowDriver::Grab(const Rectangle& area) {
+    Surface picture(area.Right - area.Left, area.Bottom - area.Top);
+    const int left = std::max(area.Left, 0);
+    const int top = std::max(area.Top, 0);
+    const int right = std::min(area.Right, DisplayWidth(display_, DefaultScreen(display_)));
+    const int bottom = std::min(area.Bottom, DisplayHeight(display_, DefaultScreen(display_)));
+    if (right <= left || bottom <= top) return picture;
+    XImage* image = XGetImage(display_, root_, left, top, static_cast<unsigned>(right - left),
+                              static_cast<unsigned>(bottom - top), AllPlanes, ZPixmap);
+    if (image == nullptr) return picture;
+    for (int y = top; y < bottom; ++y) {
+        for (int x = left; x < right; ++x) {
+            const auto pixel = static_cast<Colour>(XGetPixel(image, x - left, y - top));
+            picture.Set(x - area.Left, y - area.Top, 0xFF000000U | pixel);
+        }
+    }
+    XDestroyImage(image);
+    return picture;
+}
+
+Surface WindowDriver::GrabScreen() {
+    const int screen = DefaultScreen(display_);
+    return Grab({0, 0, DisplayWidth(display_, screen), DisplayHeight(display_, screen)});
+}
+
+Surface WindowDriver::GrabWindow(WindowId window) {
+    const auto area = Area(window);
+    return area ? Grab(*area) : Surface();
+}
+
+Colour WindowDriver::PixelAt(WindowId window, int x, int y) {
+    const auto area = Area(window);
+    if (!area) return 0;
+    const int left = area->Left + x;
+    const int top = area->Top + y;
+    return Grab({left, top, left + 1, top + 1}).At(0, 0);
+}
+
+bool WritePng(const std::string& path, const Surface& picture) {
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(picture.Width());
+    image.height = static_cast<png_uint_32>(picture.Height());
+    image.format = PNG_FORMAT_RGB;
+    std::vector<png_byte> bytes;
+    const std::size_t count = static_cast<std::size_t>(picture.Width()) * picture.Height();
+    for (std::size_t i = 0; i < count; ++i) {
+        for (const int shift : {16, 8, 0}) bytes.push_back(static_cast<png_byte>(picture.Pixels()[i] >> shift));
+    }
+    return png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr) != 0;
+}
+
+} // namespace quarnel::xdriver
