@@ -50,7 +50,9 @@ BoardWindow::BoardWindow(Desktop& desktop) : desktop_(desktop) {
     AddControls();
 }
 
-BoardWindow::~BoardWindow() { desktop_.Detach(Window); }
+BoardWindow::~BoardWindow() {
+    desktop_.Detach(Window);
+}
 
 void BoardWindow::AddControls() {
     Status.AddTo(Window);

@@ -113,7 +113,9 @@ void FrmBoard::CountEngineThreads() {
     });
 }
 
-void FrmBoard::Form_QueryUnload() { p_.Screen.EndProcess(); }
+void FrmBoard::Form_QueryUnload() {
+    p_.Screen.EndProcess();
+}
 
 void FrmBoard::WaitSeconds(float seconds) {
     const auto duration = static_cast<std::uint32_t>(RoundHalfEven(seconds * 1000));
@@ -155,11 +157,20 @@ void FrmBoard::Form_MouseUp(PointerButton button, int shift, float x, float y) {
 
 void FrmBoard::SubFileMenu_Click(int index) {
     switch (index) {
-    case 0: p_.Panel.NewGameAsWhite(); break;
-    case 1: p_.Panel.NewGameAsBlack(); break;
-    case 3: p_.Files.SaveGame(); break;
-    case 4: p_.Files.LoadGame(); break;
-    default: break;
+    case 0:
+        p_.Panel.NewGameAsWhite();
+        break;
+    case 1:
+        p_.Panel.NewGameAsBlack();
+        break;
+    case 3:
+        p_.Files.SaveGame();
+        break;
+    case 4:
+        p_.Files.LoadGame();
+        break;
+    default:
+        break;
     }
 }
 
@@ -180,10 +191,16 @@ void FrmBoard::pprom_Click(int index) {
     p_.Controller.PromotePiece = static_cast<std::uint8_t>(index + Knight);
 }
 
-void FrmBoard::hlp_Click() { p_.Board.Picture1.Visible = true; }
+void FrmBoard::hlp_Click() {
+    p_.Board.Picture1.Visible = true;
+}
 
-void FrmBoard::ctrl_SkinableButton1_Click() { p_.Board.Picture1.Visible = false; }
+void FrmBoard::ctrl_SkinableButton1_Click() {
+    p_.Board.Picture1.Visible = false;
+}
 
-void FrmBoard::hpg_Click() { p_.Screen.OpenAddress(Text(HomePage)); }
+void FrmBoard::hpg_Click() {
+    p_.Screen.OpenAddress(Text(HomePage));
+}
 
 } // namespace quarnel

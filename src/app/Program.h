@@ -55,8 +55,8 @@ class Program {
     GameFiles Files{State, Panel, Renderer, Messages, Board.Window, Screen};
 
     // The main window's procedures.
-    FrmBoard MainWindow{{State, Controller, Screen, Board, Library, Bridge, Settings, Control, Zoom, Renderer, Computer,
-                         Panel, Files}};
+    FrmBoard MainWindow{
+        {State, Controller, Screen, Board, Library, Bridge, Settings, Control, Zoom, Renderer, Computer, Panel, Files}};
 };
 
 } // namespace quarnel

@@ -15,7 +15,9 @@ int RoundHalfEven(double value) {
 
 namespace {
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool IsDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 // The longest beginning of `text` that is a decimal number, as plain characters; empty without digits.
 std::string NumberPrefix(TextView text, bool withExponent) {

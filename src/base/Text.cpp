@@ -4,28 +4,30 @@
 
 namespace quarnel {
 
-Text ToText(long long number) { return FromAscii(std::to_string(number)); }
+Text ToText(long long number) {
+    return FromAscii(std::to_string(number));
+}
 
 int PositionIn(TextView table, char16_t character) {
     const auto index = table.find(character);
     return index == TextView::npos ? 0 : static_cast<int>(index) + 1;
 }
 
-bool Contains(TextView text, TextView part) { return text.find(part) != TextView::npos; }
+bool Contains(TextView text, TextView part) {
+    return text.find(part) != TextView::npos;
+}
 
 Text Lower(TextView text) {
     Text result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char16_t c) {
-        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c;
-    });
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c; });
     return result;
 }
 
 Text Upper(TextView text) {
     Text result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char16_t c) {
-        return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
-    });
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c; });
     return result;
 }
 
@@ -35,7 +37,9 @@ Text TrimBlanks(TextView text) {
     return Text(text.substr(first, text.find_last_not_of(u' ') - first + 1));
 }
 
-Text FromAscii(std::string_view ascii) { return Text(ascii.begin(), ascii.end()); }
+Text FromAscii(std::string_view ascii) {
+    return Text(ascii.begin(), ascii.end());
+}
 
 namespace {
 

@@ -17,9 +17,13 @@ inline constexpr Truth False = 0;
 inline constexpr Truth White = False;
 inline constexpr Truth Black = True;
 
-constexpr Truth ToTruth(bool value) { return value ? True : False; }
+constexpr Truth ToTruth(bool value) {
+    return value ? True : False;
+}
 
 /// The bitwise NOT: true becomes false and false becomes true.
-constexpr Truth Not(Truth value) { return static_cast<Truth>(~value); }
+constexpr Truth Not(Truth value) {
+    return static_cast<Truth>(~value);
+}
 
 } // namespace quarnel

@@ -12,7 +12,9 @@ constexpr std::array<std::int16_t, 5> LowSkills{10, 20, 30, 50, 75};
 constexpr std::array<int, 4> LongTimes{10, 30, 50, 100}; // levels 7 to 10
 constexpr std::int16_t FirstLongTime = 6;
 
-Text OnOff(Truth value) { return value != False ? u"on" : u"off"; }
+Text OnOff(Truth value) {
+    return value != False ? u"on" : u"off";
+}
 
 } // namespace
 
@@ -69,7 +71,9 @@ void EngineSettings::SetCurrentPonderState() {
     PonderPending = False;
 }
 
-void EngineSettings::UpdateClock() { commands_.SendCommand(u"sync"); }
+void EngineSettings::UpdateClock() {
+    commands_.SendCommand(u"sync");
+}
 
 void EngineSettings::ApplyEngineOptions() {
     const Text saved = desktop_.ReadSetting(Text(ProgramTitle), Text(SettingsSection), u"Ponder", u"0");

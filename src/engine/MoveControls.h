@@ -10,21 +10,30 @@
 namespace quarnel {
 
 /// Indexes of SubMovesMenu; of `poke` see MoveControls.
-enum MovesItem { BackOneItem = 0, ForwardOneItem, BackToStartItem, ForwardToEndItem, MovesSeparator, MoveNowItem, StopItem };
+enum MovesItem {
+    BackOneItem = 0,
+    ForwardOneItem,
+    BackToStartItem,
+    ForwardToEndItem,
+    MovesSeparator,
+    MoveNowItem,
+    StopItem
+};
 
 struct MoveControls {
     MenuItem MovesMenu{u"Moves"};
-    std::array<MenuItem, 7> SubMovesMenu{
-        MenuItem(u"Back up one move", u"Ctrl+B"), MenuItem(u"Forward one move", u"Ctrl+F"),
-        MenuItem(u"Back to start", u"Ctrl+S"),    MenuItem(u"Forward to end", u"Ctrl+E"),
-        MenuItem(u"-"),                           MenuItem(u"Move now", u"Ctrl+M"),
-        MenuItem(u"Stop thinking", u"Ctrl+H")};
+    std::array<MenuItem, 7> SubMovesMenu{MenuItem(u"Back up one move", u"Ctrl+B"),
+                                         MenuItem(u"Forward one move", u"Ctrl+F"),
+                                         MenuItem(u"Back to start", u"Ctrl+S"),
+                                         MenuItem(u"Forward to end", u"Ctrl+E"),
+                                         MenuItem(u"-"),
+                                         MenuItem(u"Move now", u"Ctrl+M"),
+                                         MenuItem(u"Stop thinking", u"Ctrl+H")};
 
     /// Toolbar: back to start, back, forward, forward to end, move now, stop thinking.
-    std::array<Control, 6> poke{
-        Control(ControlKind::Image, "poke(0)"), Control(ControlKind::Image, "poke(1)"),
-        Control(ControlKind::Image, "poke(2)"), Control(ControlKind::Image, "poke(3)"),
-        Control(ControlKind::Image, "poke(4)"), Control(ControlKind::Image, "poke(5)")};
+    std::array<Control, 6> poke{Control(ControlKind::Image, "poke(0)"), Control(ControlKind::Image, "poke(1)"),
+                                Control(ControlKind::Image, "poke(2)"), Control(ControlKind::Image, "poke(3)"),
+                                Control(ControlKind::Image, "poke(4)"), Control(ControlKind::Image, "poke(5)")};
 
     MoveControls();
 

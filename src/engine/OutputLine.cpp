@@ -18,7 +18,9 @@ Text LastWord(TextView line) {
 
 } // namespace
 
-bool IsMoveLine(TextView line) { return Contains(line, u"White(") || Contains(line, u"Black("); }
+bool IsMoveLine(TextView line) {
+    return Contains(line, u"White(") || Contains(line, u"Black(");
+}
 
 std::optional<MoveLine> ReadMoveLine(TextView line) {
     const auto closing = line.find(u"): ");

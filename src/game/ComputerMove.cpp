@@ -16,7 +16,8 @@ void ComputerMove::OutputCallback(std::int32_t length) {
         DropMove();
         return;
     }
-    if (LeadingNumber(move->Number) != state_.PlyNow / 2 + 1) return;
+    const int fullMove = state_.PlyNow / 2 + 1;
+    if (LeadingNumber(move->Number) != fullMove) return;
     if (!move->Move.empty()) Play(move->Move);
 }
 

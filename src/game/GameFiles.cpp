@@ -55,7 +55,7 @@ const Text& Field(const std::vector<Text>& fields, std::size_t index) {
 std::filesystem::path GameFiles::ShowFileDialog(bool save, const Text& title) {
     const auto answer = save ? desktop_.SaveFileDialog(frmBoard_, title) : desktop_.OpenFileDialog(frmBoard_, title);
     if (!answer) throw Failure();
-    const std::filesystem::path path = WithoutBlanksAround(*answer);
+    std::filesystem::path path = WithoutBlanksAround(*answer);
     if (path.empty() || std::filesystem::is_directory(path)) throw Failure();
     return path;
 }

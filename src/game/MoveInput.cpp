@@ -10,11 +10,15 @@ namespace {
 
 constexpr std::size_t SquareBytes = 4; // FromFile, FromRow, ToFile, ToRow
 
-bool HasRight(std::uint8_t rights, CastleKind kind) { return rights == kind || rights == 3; }
+bool HasRight(std::uint8_t rights, CastleKind kind) {
+    return rights == kind || rights == 3;
+}
 
 } // namespace
 
-int CtrlPanel::SelectedPiece() const { return PieceAt(p_.State.CurPos, p_.Controller.SelFile, p_.Controller.SelRow); }
+int CtrlPanel::SelectedPiece() const {
+    return PieceAt(p_.State.CurPos, p_.Controller.SelFile, p_.Controller.SelRow);
+}
 
 void CtrlPanel::CancelPieceSel() {
     p_.Controller.FloatPiece = NoPiece;
@@ -113,8 +117,8 @@ bool CtrlPanel::TakeLegalEntry(MoveRec& move) {
     if (p_.State.Thinking != False) return false;
     for (int i = 0; i < list.Count; ++i) {
         const MoveRec& entry = list.Moves[i];
-        const bool taken = move.Castle == NoCastle ? std::memcmp(&entry, &move, SquareBytes) == 0
-                                                   : entry.Castle == move.Castle;
+        const bool taken =
+            move.Castle == NoCastle ? std::memcmp(&entry, &move, SquareBytes) == 0 : entry.Castle == move.Castle;
         if (taken) {
             move = entry;
             return true;

@@ -18,7 +18,9 @@ void NextPly(GameState& state) {
     Step(ToInteger16(state.PlyNow + 1), [&](std::int16_t ply) { state.PlyNow = ply; });
 }
 
-int RoundUpToEven(int plies) { return plies + plies % 2; }
+int RoundUpToEven(int plies) {
+    return plies + plies % 2;
+}
 
 void ClearRow(GameState& state, int row) {
     Step(ElementAt(state.Variations, row), [](VariationRow& cells) { cells = {}; });
@@ -69,10 +71,10 @@ void MoveRecorder::Append(const Text& san) {
     const int row = state_.PlyNow / 2 + 1;
     const int column = IsEven(state_.PlyNow) ? 1 : 2;
     if (static_cast<int>(state_.Variations.size()) - 1 < row) {
-        state_.Variations.resize(static_cast<std::size_t>(row + SpareRows + 1));
+        state_.Variations.resize(static_cast<std::size_t>(row) + SpareRows + 1);
     }
     if (column == 1) {
-        state_.MoveText.resize(static_cast<std::size_t>(row + 1));
+        state_.MoveText.resize(static_cast<std::size_t>(row) + 1);
         state_.MoveText.back()[0] = ToText(row) + u".";
     }
     Step(ElementAt(state_.MoveText, row), [&](HistoryRow& cells) { cells[static_cast<std::size_t>(column)] = san; });

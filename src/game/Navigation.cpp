@@ -20,20 +20,27 @@ void CtrlPanel::MoveTAB(std::int16_t bindex, Truth silent) {
     if (bindex == StopThinking) p_.Control.SendForce();
     if (state.PlyCount == 0) return;
     switch (bindex) {
-    case ToStart: ShowPly(SkipsStart() ? 1 : 0); break;
+    case ToStart:
+        ShowPly(SkipsStart() ? 1 : 0);
+        break;
     case Back:
         if (state.PlyNow >= 1) ShowPly(state.PlyNow == 1 && SkipsStart() ? 1 : state.PlyNow - 1);
         break;
     case Forward:
         if (state.PlyCount > state.PlyNow) StepForward(silent);
         break;
-    case ToEnd: ShowPly(state.PlyCount - (IsResultText(GetMove(state, state.PlyCount)) ? 1 : 0)); break;
-    default: break;
+    case ToEnd:
+        ShowPly(state.PlyCount - (IsResultText(GetMove(state, state.PlyCount)) ? 1 : 0));
+        break;
+    default:
+        break;
     }
 }
 
 // A game that begins with Black's move has a placeholder as ply 1 and is never shown before it.
-bool CtrlPanel::SkipsStart() const { return GetMove(p_.State, 1) == u"-"; }
+bool CtrlPanel::SkipsStart() const {
+    return GetMove(p_.State, 1) == u"-";
+}
 
 // Jumps to `ply`, without marks and without animation.
 void CtrlPanel::ShowPly(int ply) {
@@ -61,7 +68,9 @@ void CtrlPanel::StepForward(Truth silent) {
     p_.Renderer.RedrawBoard();
 }
 
-void CtrlPanel::ShowPlyText(const Text& text) { p_.Renderer.ShowMoveText(text.empty() ? u"none" : text); }
+void CtrlPanel::ShowPlyText(const Text& text) {
+    p_.Renderer.ShowMoveText(text.empty() ? u"none" : text);
+}
 
 // Plays the recorded `text` on `position` and keeps it in `last`. False for a result token or "-", which
 // plays nothing; a text that cannot be read plays nothing either, but is a ply.

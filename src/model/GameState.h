@@ -23,24 +23,24 @@ inline constexpr TextView StandardStart = u"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/R
 
 struct GameState {
     // Reset by NewGame.
-    Position CurPos{};   ///< the position shown, in which the user moves
-    Text GameStartFen;   ///< where the game starts from; the position reader may rewrite it
-    std::int16_t PlyNow = 0;   ///< plies from the game's start to CurPos
-    std::int16_t PlyCount = 0; ///< plies recorded in MoveText; 0 <= PlyNow <= PlyCount
-    std::vector<HistoryRow> MoveText{1};   ///< row r is full move r; row 0 is never used
-    std::vector<VariationRow> Variations;  ///< alternative lines by ply, laid out like MoveText
-    std::uint8_t LastMoveFile = 0;         ///< destination of the last move, marked on the board; 0 no mark
+    Position CurPos{};                    ///< the position shown, in which the user moves
+    Text GameStartFen;                    ///< where the game starts from; the position reader may rewrite it
+    std::int16_t PlyNow = 0;              ///< plies from the game's start to CurPos
+    std::int16_t PlyCount = 0;            ///< plies recorded in MoveText; 0 <= PlyNow <= PlyCount
+    std::vector<HistoryRow> MoveText{1};  ///< row r is full move r; row 0 is never used
+    std::vector<VariationRow> Variations; ///< alternative lines by ply, laid out like MoveText
+    std::uint8_t LastMoveFile = 0;        ///< destination of the last move, marked on the board; 0 no mark
     std::uint8_t LastMoveRow = 0;
 
     // Kept from game to game.
-    Position PrevPos{};          ///< CurPos before the user's move or the step forward that is being animated
-    MoveRec LastMove{};          ///< the last move that a replay applied
-    Text StartFen;               ///< StandardStart, set at start-up
-    Truth ComputerColor = 0;     ///< coded like Position::SideToMove; True: the computer plays Black
-    Truth Thinking = False;      ///< the computer searches for its move
-    Truth ResyncEngine = False;  ///< the engine's board differs from CurPos and must be sent again
-    Truth BoardFlipped = False;  ///< Black is shown at the bottom
-    Truth MoveBusy = False;      ///< a user move is being executed
+    Position PrevPos{};            ///< CurPos before the user's move or the step forward that is being animated
+    MoveRec LastMove{};            ///< the last move that a replay applied
+    Text StartFen;                 ///< StandardStart, set at start-up
+    Truth ComputerColor = 0;       ///< coded like Position::SideToMove; True: the computer plays Black
+    Truth Thinking = False;        ///< the computer searches for its move
+    Truth ResyncEngine = False;    ///< the engine's board differs from CurPos and must be sent again
+    Truth BoardFlipped = False;    ///< Black is shown at the bottom
+    Truth MoveBusy = False;        ///< a user move is being executed
     Truth DiscardNextMove = False; ///< the next move line belongs to an abandoned search
     Truth StopRequested = False;   ///< "force" has been sent for this search
     std::uint8_t ShowLastMove = 0; ///< last-move marks are kept after a user move; 1 from start-up on

@@ -20,11 +20,17 @@ Text ReadCell(const Table& table, int ply) {
 
 } // namespace
 
-Text GetMove(const GameState& state, int ply) { return ReadCell(state.MoveText, ply); }
+Text GetMove(const GameState& state, int ply) {
+    return ReadCell(state.MoveText, ply);
+}
 
-Text GetVariation(const GameState& state) { return GetVarN(state, state.PlyNow + 1); }
+Text GetVariation(const GameState& state) {
+    return GetVarN(state, state.PlyNow + 1);
+}
 
-Text GetVarN(const GameState& state, int ply) { return ReadCell(state.Variations, ply); }
+Text GetVarN(const GameState& state, int ply) {
+    return ReadCell(state.Variations, ply);
+}
 
 void AddVariation(GameState& state, TextView text, Truth replace, int ply) {
     if (ply == 0) ply = state.PlyNow;

@@ -9,8 +9,12 @@
 namespace quarnel {
 
 /// Row of ply `ply` (ply >= 1) and its column, 1 or 2.
-constexpr int PlyRow(int ply) { return (ply + 1) / 2; }
-constexpr int PlyColumn(int ply) { return IsEven(ply) ? 2 : 1; }
+constexpr int PlyRow(int ply) {
+    return (ply + 1) / 2;
+}
+constexpr int PlyColumn(int ply) {
+    return IsEven(ply) ? 2 : 1;
+}
 
 /// The recorded text of ply `ply`.
 Text GetMove(const GameState& state, int ply);

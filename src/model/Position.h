@@ -23,27 +23,45 @@ inline constexpr int BlackOffset = 6;
 enum CastleKind : std::uint8_t { NoCastle = 0, KingSide = 1, QueenSide = 2 };
 
 /// The square's piece code; (file, row) must lie in 0..8, and file or row 0 reads as empty.
-inline std::uint8_t& PieceAt(Position& position, int file, int row) { return position.Board[row][file]; }
-inline std::uint8_t PieceAt(const Position& position, int file, int row) { return position.Board[row][file]; }
+inline std::uint8_t& PieceAt(Position& position, int file, int row) {
+    return position.Board[row][file];
+}
+inline std::uint8_t PieceAt(const Position& position, int file, int row) {
+    return position.Board[row][file];
+}
 
 /// True for codes 1..6.
-constexpr Truth IsWhitePiece(int piece) { return ToTruth(piece > 0 && piece < 7); }
+constexpr Truth IsWhitePiece(int piece) {
+    return ToTruth(piece > 0 && piece < 7);
+}
 
 /// True for codes 7..12; an empty square answers like a white piece, which move input relies on.
-constexpr Truth IsBlackPiece(int piece) { return ToTruth(piece > 6 && piece < 13); }
+constexpr Truth IsBlackPiece(int piece) {
+    return ToTruth(piece > 6 && piece < 13);
+}
 
 /// True when `piece` is `whiteCode` or the same piece of Black.
-constexpr bool IsPieceKind(int piece, int whiteCode) { return piece == whiteCode || piece == whiteCode + BlackOffset; }
+constexpr bool IsPieceKind(int piece, int whiteCode) {
+    return piece == whiteCode || piece == whiteCode + BlackOffset;
+}
 
-constexpr Truth IsOffBoard(int file, int row) { return ToTruth(file < 1 || file > 8 || row < 1 || row > 8); }
+constexpr Truth IsOffBoard(int file, int row) {
+    return ToTruth(file < 1 || file > 8 || row < 1 || row > 8);
+}
 
-constexpr bool IsEven(int number) { return number % 2 == 0; }
+constexpr bool IsEven(int number) {
+    return number % 2 == 0;
+}
 
 /// Castling moves are the same when their kind is; other moves when all their bytes are.
 bool IsSameMove(const MoveRec& a, const MoveRec& b);
 
 /// The file (7 or 3) and row (8 White, 1 Black) on which the king lands, from the kind and the mover.
-constexpr int CastleFile(int castle) { return castle == KingSide ? 7 : 3; }
-constexpr int CastleRow(Truth side) { return side == Black ? 1 : 8; }
+constexpr int CastleFile(int castle) {
+    return castle == KingSide ? 7 : 3;
+}
+constexpr int CastleRow(Truth side) {
+    return side == Black ? 1 : 8;
+}
 
 } // namespace quarnel

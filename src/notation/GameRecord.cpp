@@ -8,7 +8,9 @@ constexpr TextView WhiteIsUser = u"White(You)";
 
 } // namespace
 
-Text RecordHeader(bool userIsWhite) { return userIsWhite ? u"\tWhite(You)\tBlack" : u"\tWhite\tBlack(You)"; }
+Text RecordHeader(bool userIsWhite) {
+    return userIsWhite ? u"\tWhite(You)\tBlack" : u"\tWhite\tBlack(You)";
+}
 
 Text RecordLine(int number, const Text& white, const Text& black) {
     return ToText(number) + u".\t" + white + u"\t" + black;
@@ -27,6 +29,8 @@ std::vector<Text> RecordFields(TextView line) {
     return fields;
 }
 
-bool UserIsWhite(const Text& firstField) { return firstField == WhiteIsUser; }
+bool UserIsWhite(const Text& firstField) {
+    return firstField == WhiteIsUser;
+}
 
 } // namespace quarnel::notation

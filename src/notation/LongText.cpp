@@ -16,13 +16,8 @@ struct ResultCode {
     std::uint8_t Promote;
 };
 
-constexpr std::array<ResultCode, 7> ResultCodes{{{u"1-0", 250},
-                                                 {u"0-1", 251},
-                                                 {u"1/2-1/2", 251},
-                                                 {u"1/2", 251},
-                                                 {DrawToken, 251},
-                                                 {u"-", 252},
-                                                 {u"*", 0}}};
+constexpr std::array<ResultCode, 7> ResultCodes{
+    {{u"1-0", 250}, {u"0-1", 251}, {u"1/2-1/2", 251}, {u"1/2", 251}, {DrawToken, 251}, {u"-", 252}, {u"*", 0}}};
 
 const ResultCode* FindResult(TextView text) {
     const auto* found = std::find_if(ResultCodes.begin(), ResultCodes.end(),
@@ -31,7 +26,9 @@ const ResultCode* FindResult(TextView text) {
 }
 
 // The row of a rank digit: 1..8, or 9 for a character that is none.
-int RowOf(char16_t digit) { return 9 - PositionIn(u"12345678", digit); }
+int RowOf(char16_t digit) {
+    return 9 - PositionIn(u"12345678", digit);
+}
 
 } // namespace
 
@@ -46,7 +43,9 @@ Text SquareText(int file, int row) {
     return text + ToText(9 - row);
 }
 
-bool IsResultText(TextView text) { return FindResult(text) != nullptr; }
+bool IsResultText(TextView text) {
+    return FindResult(text) != nullptr;
+}
 
 MoveRec ResultToMoveRec(TextView text) {
     MoveRec move{};

@@ -15,9 +15,13 @@ constexpr TextView AnnotationMarks = u"!?+-,#X";
 // What ends the reading of a text at once.
 struct Fault {};
 
-bool IsOneOf(TextView table, char16_t c) { return PositionIn(table, c) != 0; }
+bool IsOneOf(TextView table, char16_t c) {
+    return PositionIn(table, c) != 0;
+}
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool IsDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 int DigitValue(char16_t c) {
     if (!IsDigit(c)) throw Fault();
@@ -126,10 +130,14 @@ class Reading {
         const auto capture = s.find(u'x');
         if (capture != Text::npos) s.erase(capture, 1);
         switch (s.size()) {
-        case 3: return SearchPiece(TextView(s).substr(1), u'\0');
-        case 4: return SearchPiece(TextView(s).substr(2), s[1]);
-        case 5: return Joined(s.substr(1, 2), TextView(s).substr(3));
-        default: return {};
+        case 3:
+            return SearchPiece(TextView(s).substr(1), u'\0');
+        case 4:
+            return SearchPiece(TextView(s).substr(2), s[1]);
+        case 5:
+            return Joined(s.substr(1, 2), TextView(s).substr(3));
+        default:
+            return {};
         }
     }
 

@@ -13,7 +13,9 @@ constexpr TextView FileLetters = u"abcdefgh";
 constexpr int Squares = 64;
 
 // The character at the 1-based position `i`, or 0 outside the text.
-char16_t CharacterAt(TextView text, std::size_t i) { return i >= 1 && i <= text.size() ? text[i - 1] : u'\0'; }
+char16_t CharacterAt(TextView text, std::size_t i) {
+    return i >= 1 && i <= text.size() ? text[i - 1] : u'\0';
+}
 
 void PutSquare(Position& position, int square, int piece) {
     if (square < Squares) PieceAt(position, square % 8 + 1, square / 8 + 1) = static_cast<std::uint8_t>(piece);
@@ -42,10 +44,14 @@ std::uint8_t ReadRights(TextView field, TextView both, TextView king, TextView q
 
 Text Rights(std::uint8_t rights, TextView both) {
     switch (rights) {
-    case 1: return Text(both.substr(0, 1));
-    case 2: return Text(both.substr(1, 1));
-    case 3: return Text(both);
-    default: return {};
+    case 1:
+        return Text(both.substr(0, 1));
+    case 2:
+        return Text(both.substr(1, 1));
+    case 3:
+        return Text(both);
+    default:
+        return {};
     }
 }
 

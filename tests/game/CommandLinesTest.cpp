@@ -42,14 +42,22 @@ const char* const Adaptive = "adaptive 10M 4M 64M 1M 16M";
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, SavedSettings,
     testing::Values(
-        SettingsCase{"Level3AndPonder", {{"level", u"2"}, {"ponder", u"-1"}}, u"1",
+        SettingsCase{"Level3AndPonder",
+                     {{"level", u"2"}, {"ponder", u"-1"}},
+                     u"1",
                      {"ponder on", "mt = 1", Adaptive, "new", "skill 30 5", "ponder on"}},
-        SettingsCase{"SixteenCoresAreEight", {{"level", u"9"}}, u"16",
+        SettingsCase{"SixteenCoresAreEight",
+                     {{"level", u"9"}},
+                     u"16",
                      {"ponder off", "mt = 8", Adaptive, "new", "skill 100 100", "ponder off"}},
         // A level that is no number sends no strength line; a ponder value that is none leaves it on as designed.
-        SettingsCase{"NothingConverts", {{"level", u"seven"}, {"ponder", u"maybe"}, {"wsize", u"huge"}}, u"many",
+        SettingsCase{"NothingConverts",
+                     {{"level", u"seven"}, {"ponder", u"maybe"}, {"wsize", u"huge"}},
+                     u"many",
                      {"ponder on", "mt = 1", Adaptive, "new", "ponder on"}},
-        SettingsCase{"LevelOutsideTheMenu", {{"level", u"12"}}, u"0",
+        SettingsCase{"LevelOutsideTheMenu",
+                     {{"level", u"12"}},
+                     u"0",
                      {"ponder off", "mt = 1", Adaptive, "new", "skill 100 10", "ponder off"}}),
     [](const auto& info) { return info.param.Name; });
 
@@ -99,8 +107,8 @@ TEST_F(CommandLines, ANewGameWhileThinkingDropsTheMoveAndSendsThePositionBeforeT
         Engine.Say("Black(1): c5 ");
         EXPECT_EQ(Fen(), StartFenText);
         EXPECT_EQ(Controls(), 'i');
-        EXPECT_THAT(DragMove("d2", "d4"), ElementsAre("sync", std::string("setboard ") + StartFenText, "white",
-                                                      "movenumber 0", "d4"));
+        EXPECT_THAT(DragMove("d2", "d4"),
+                    ElementsAre("sync", std::string("setboard ") + StartFenText, "white", "movenumber 0", "d4"));
     });
 }
 
@@ -119,8 +127,8 @@ TEST_F(CommandLines, ANewGameAsBlackLetsTheEngineBegin) {
 TEST_F(CommandLines, ANewGameAsBlackWhileThinkingSendsThePositionAndGoAtOnce) {
     Play([&] {
         DragMove("e2", "e4");
-        EXPECT_THAT(Choose(Game->Board.SubFileMenu[1]),
-                    ElementsAre("force", std::string("setboard ") + StartFenText, "white", "movenumber 0", "sync", "go"));
+        EXPECT_THAT(Choose(Game->Board.SubFileMenu[1]), ElementsAre("force", std::string("setboard ") + StartFenText,
+                                                                    "white", "movenumber 0", "sync", "go"));
         Engine.Say("Black(1): c5 ");
         EXPECT_EQ(Fen(), StartFenText);
         EXPECT_EQ(State().Thinking, True);

@@ -41,19 +41,19 @@ TEST_P(OutputLines, ArePlayedOnlyWhenTheyMatch) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ComputerMoves, OutputLines,
-    testing::Values(LineCase{"Plain", "Black(1): Nf6 ", "Move: Nf6"},
-                    LineCase{"WithWordsAround", "info (x) depth Black(1): done move Nf6 ", "Move: Nf6"},
-                    LineCase{"OtherNumber", "Black(2): Nf6 ", "Move: d4"},
-                    LineCase{"NoFinalBlank", "Black(1): Nf6", "Move: d4"},
-                    LineCase{"NoBracketEnd", "Black(1: Nf6 ", "Move: d4"},
-                    LineCase{"NumberNeverMatches", "White(0): - ", "Move: d4"},
-                    LineCase{"SideIsNotLookedAt", "White(1): Nf6 ", "Move: Nf6"},
-                    LineCase{"NumberWithBlanks", "Black( 1 ): Nf6 ", "Move: Nf6"},
-                    LineCase{"NoMoveLine", "thinking about Nf6 ", "Move: d4"},
-                    LineCase{"MateWordsInAMoveLine", "Black(1): mate Nf6 ", "Move: Nf6"}),
-    [](const auto& info) { return info.param.Name; });
+INSTANTIATE_TEST_SUITE_P(ComputerMoves, OutputLines,
+                         testing::Values(LineCase{"Plain", "Black(1): Nf6 ", "Move: Nf6"},
+                                         LineCase{"WithWordsAround", "info (x) depth Black(1): done move Nf6 ",
+                                                  "Move: Nf6"},
+                                         LineCase{"OtherNumber", "Black(2): Nf6 ", "Move: d4"},
+                                         LineCase{"NoFinalBlank", "Black(1): Nf6", "Move: d4"},
+                                         LineCase{"NoBracketEnd", "Black(1: Nf6 ", "Move: d4"},
+                                         LineCase{"NumberNeverMatches", "White(0): - ", "Move: d4"},
+                                         LineCase{"SideIsNotLookedAt", "White(1): Nf6 ", "Move: Nf6"},
+                                         LineCase{"NumberWithBlanks", "Black( 1 ): Nf6 ", "Move: Nf6"},
+                                         LineCase{"NoMoveLine", "thinking about Nf6 ", "Move: d4"},
+                                         LineCase{"MateWordsInAMoveLine", "Black(1): mate Nf6 ", "Move: Nf6"}),
+                         [](const auto& info) { return info.param.Name; });
 
 TEST_F(ComputerMoves, AMoveIsRecordedSlidAndMarkedOnBothEnds) {
     Play([&] {

@@ -108,17 +108,18 @@ std::string ManyLines(int count) {
 constexpr const char* Failed = "Error!  ";
 const std::string Header = "\tWhite(You)\tBlack\r\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    GameRecords, Damaged,
-    testing::Values(DamageCase{"Empty", "", Failed, true}, DamageCase{"BlankFirstLine", "\r\n1.\te4\te5\r\n", Failed, true},
-                    DamageCase{"HeaderOnly", Header, Failed, false},
-                    DamageCase{"BlankLine", Header + "1.\te4\te5\r\n\r\n", Failed, false},
-                    DamageCase{"OneTab", Header + "1.\te4\r\n", Failed, false},
-                    DamageCase{"OutOfSequence", Header + "1.\te4\te5\r\n3.\tNf3\tNc6\r\n", "File corrupted. Illegal move  ", false},
-                    DamageCase{"TenMegabytes", std::string(10'000'000, '\xFE'), Failed, false},
-                    DamageCase{"Zeros", std::string(5000, '\0'), Failed, false},
-                    DamageCase{"MoreLinesThanPliesCount", ManyLines(100000), Failed, false}),
-    [](const auto& info) { return info.param.Name; });
+INSTANTIATE_TEST_SUITE_P(GameRecords, Damaged,
+                         testing::Values(DamageCase{"Empty", "", Failed, true},
+                                         DamageCase{"BlankFirstLine", "\r\n1.\te4\te5\r\n", Failed, true},
+                                         DamageCase{"HeaderOnly", Header, Failed, false},
+                                         DamageCase{"BlankLine", Header + "1.\te4\te5\r\n\r\n", Failed, false},
+                                         DamageCase{"OneTab", Header + "1.\te4\r\n", Failed, false},
+                                         DamageCase{"OutOfSequence", Header + "1.\te4\te5\r\n3.\tNf3\tNc6\r\n",
+                                                    "File corrupted. Illegal move  ", false},
+                                         DamageCase{"TenMegabytes", std::string(10'000'000, '\xFE'), Failed, false},
+                                         DamageCase{"Zeros", std::string(5000, '\0'), Failed, false},
+                                         DamageCase{"MoreLinesThanPliesCount", ManyLines(100000), Failed, false}),
+                         [](const auto& info) { return info.param.Name; });
 
 TEST_F(GameRecords, AnIllegalMoveIsSkippedWithoutAMessage) {
     Play([&] {
@@ -191,7 +192,8 @@ TEST_F(GameRecords, LoadedWhileTheEngineThinksTheComingMoveIsDropped) {
         Engine.Say("Black(1): c5 ");
         EXPECT_EQ(Strip(), "Move: d5");
         EXPECT_EQ(Controls(), 'i');
-        EXPECT_THAT(DragMove("c2", "c4"), ElementsAre("sync", testing::StartsWith("setboard "), "white", "movenumber 2", "c4"));
+        EXPECT_THAT(DragMove("c2", "c4"),
+                    ElementsAre("sync", testing::StartsWith("setboard "), "white", "movenumber 2", "c4"));
     });
 }
 

@@ -83,7 +83,7 @@ TEST_F(MoveInput, OffTheBoardAndLeftOfTheWindowIsNoSquare) {
     Play([&] {
         ClickSquare("b1");
         Engine.Pull();
-        Screen.Click(Window(), 10, 100);   // the left border: file 0
+        Screen.Click(Window(), 10, 100); // the left border: file 0
         Screen.Press(Window(), 200, 200);
         Engine.Pull();
         EXPECT_EQ(Selected(), std::pair(2, 8));
@@ -147,15 +147,15 @@ TEST_P(SpecialMove, IsFoundAmongTheLegalOnes) {
 
 INSTANTIATE_TEST_SUITE_P(
     MoveInput, SpecialMove,
-    testing::Values(
-        SpecialCase{"CastlesKingSide", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g1", {"O-O"}, {7, 8}},
-        SpecialCase{"CastlesQueenSide", u"4k3/8/8/8/8/8/8/R3K3 w Q - 0 1", "e1", "c1", {"O-O-O"}, {3, 8}},
-        // The file alone decides: with the right to castle, a king sent to g5 castles.
-        SpecialCase{"CastlesByTheFileAlone", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g5", {"O-O"}, {7, 8}},
-        SpecialCase{"NoRight", u"4k3/8/8/8/8/8/8/4K2R w - - 0 1", "e1", "g1", {}, {0, 0}},
-        SpecialCase{"EnPassant", u"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5", "d6", {"exd6"}, {4, 3}},
-        SpecialCase{"PromotesToAQueen", u"4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "a7", "a8", {"a8=Q"}, {1, 1}},
-        SpecialCase{"Disambiguates", u"4k3/8/8/8/8/8/4K3/R6R w - - 0 1", "a1", "d1", {"Rad1"}, {4, 8}}),
+    testing::Values(SpecialCase{"CastlesKingSide", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g1", {"O-O"}, {7, 8}},
+                    SpecialCase{"CastlesQueenSide", u"4k3/8/8/8/8/8/8/R3K3 w Q - 0 1", "e1", "c1", {"O-O-O"}, {3, 8}},
+                    // The file alone decides: with the right to castle, a king sent to g5 castles.
+                    SpecialCase{
+                        "CastlesByTheFileAlone", u"4k3/8/8/8/8/8/8/4K2R w K - 0 1", "e1", "g5", {"O-O"}, {7, 8}},
+                    SpecialCase{"NoRight", u"4k3/8/8/8/8/8/8/4K2R w - - 0 1", "e1", "g1", {}, {0, 0}},
+                    SpecialCase{"EnPassant", u"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", "e5", "d6", {"exd6"}, {4, 3}},
+                    SpecialCase{"PromotesToAQueen", u"4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "a7", "a8", {"a8=Q"}, {1, 1}},
+                    SpecialCase{"Disambiguates", u"4k3/8/8/8/8/8/4K3/R6R w - - 0 1", "a1", "d1", {"Rad1"}, {4, 8}}),
     [](const auto& info) { return info.param.Name; });
 
 TEST_F(MoveInput, ABlackUserPromotesAndCastlesOnATurnedBoard) {

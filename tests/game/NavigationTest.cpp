@@ -85,7 +85,8 @@ TEST_F(Navigation, TheRecordedMovePlayedAgainKeepsTheRest) {
         PlayOpening();
         ChooseMoves(BackOneItem);
         ChooseMoves(BackOneItem);
-        EXPECT_THAT(DragMove("f1", "c4"), ElementsAre("sync", testing::StartsWith("setboard "), "white", "movenumber 4", "Bc4"));
+        EXPECT_THAT(DragMove("f1", "c4"),
+                    ElementsAre("sync", testing::StartsWith("setboard "), "white", "movenumber 4", "Bc4"));
         EXPECT_EQ(State().PlyNow, 5);
         EXPECT_EQ(State().PlyCount, 6);
         EXPECT_EQ(Row(3), "3. Bc4 Nf6");
@@ -137,16 +138,15 @@ TEST_P(Recorded, StepsWhereTheTextsAllowIt) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Navigation, Recorded,
-    testing::Values(RecordedCase{"BlackBeginsStart", {u"-", u"e5", u"Nf3"}, BackToStartItem, 3, 1},
-                    RecordedCase{"BlackBeginsBack", {u"-", u"e5", u"Nf3"}, BackOneItem, 1, 1},
-                    RecordedCase{"ResultEnd", {u"e4", u"e5", u"1-0"}, ForwardToEndItem, 0, 2},
-                    RecordedCase{"ResultForward", {u"e4", u"e5", u"1-0"}, ForwardOneItem, 2, 2},
-                    RecordedCase{"StarIsAResult", {u"e4", u"*"}, ForwardToEndItem, 0, 1},
-                    RecordedCase{"BackAtTheStart", {u"e4", u"e5"}, BackOneItem, 0, 0},
-                    RecordedCase{"ForwardAtTheEnd", {u"e4", u"e5"}, ForwardOneItem, 2, 2}),
-    [](const auto& info) { return info.param.Name; });
+INSTANTIATE_TEST_SUITE_P(Navigation, Recorded,
+                         testing::Values(RecordedCase{"BlackBeginsStart", {u"-", u"e5", u"Nf3"}, BackToStartItem, 3, 1},
+                                         RecordedCase{"BlackBeginsBack", {u"-", u"e5", u"Nf3"}, BackOneItem, 1, 1},
+                                         RecordedCase{"ResultEnd", {u"e4", u"e5", u"1-0"}, ForwardToEndItem, 0, 2},
+                                         RecordedCase{"ResultForward", {u"e4", u"e5", u"1-0"}, ForwardOneItem, 2, 2},
+                                         RecordedCase{"StarIsAResult", {u"e4", u"*"}, ForwardToEndItem, 0, 1},
+                                         RecordedCase{"BackAtTheStart", {u"e4", u"e5"}, BackOneItem, 0, 0},
+                                         RecordedCase{"ForwardAtTheEnd", {u"e4", u"e5"}, ForwardOneItem, 2, 2}),
+                         [](const auto& info) { return info.param.Name; });
 
 TEST_F(Navigation, AFullReplayPassesTheTurnOnAPlaceholderAndAStepForwardDoesNot) {
     Play([&] {

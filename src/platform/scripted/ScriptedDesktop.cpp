@@ -40,23 +40,24 @@ ScriptedDesktop::~ScriptedDesktop() {
 
 std::vector<Form*> ScriptedDesktop::Shown() const {
     std::vector<Form*> shown;
-    std::copy_if(forms_.begin(), forms_.end(), std::back_inserter(shown), [](Form* form) { return form->Visible.Get(); });
+    std::copy_if(forms_.begin(), forms_.end(), std::back_inserter(shown),
+                 [](Form* form) { return form->Visible.Get(); });
     return shown;
 }
 
 void ScriptedDesktop::Press(Form& form, double x, double y, PointerButton button) {
-    queue_.Push(FormPointerEvent{FormPointerEvent::Action::Press, &form,
-                                 {button, 0, static_cast<float>(x), static_cast<float>(y)}});
+    queue_.Push(FormPointerEvent{
+        FormPointerEvent::Action::Press, &form, {button, 0, static_cast<float>(x), static_cast<float>(y)}});
 }
 
 void ScriptedDesktop::Move(Form& form, double x, double y, PointerButton held) {
-    queue_.Push(FormPointerEvent{FormPointerEvent::Action::Move, &form,
-                                 {held, 0, static_cast<float>(x), static_cast<float>(y)}});
+    queue_.Push(FormPointerEvent{
+        FormPointerEvent::Action::Move, &form, {held, 0, static_cast<float>(x), static_cast<float>(y)}});
 }
 
 void ScriptedDesktop::Release(Form& form, double x, double y, PointerButton button) {
-    queue_.Push(FormPointerEvent{FormPointerEvent::Action::Release, &form,
-                                 {button, 0, static_cast<float>(x), static_cast<float>(y)}});
+    queue_.Push(FormPointerEvent{
+        FormPointerEvent::Action::Release, &form, {button, 0, static_cast<float>(x), static_cast<float>(y)}});
 }
 
 void ScriptedDesktop::Click(Form& form, double x, double y) {
@@ -74,7 +75,9 @@ void ScriptedDesktop::Click(Control& control) {
     Click(*Form::Of(control), x, y);
 }
 
-void ScriptedDesktop::Click(MenuItem& item) { queue_.Push(MenuClickEvent{&item}); }
+void ScriptedDesktop::Click(MenuItem& item) {
+    queue_.Push(MenuClickEvent{&item});
+}
 
 bool ScriptedDesktop::Shortcut(Form& form, const Text& shortcut) {
     MenuItem* item = FindShortcut(form.Menus(), shortcut);
@@ -160,7 +163,9 @@ void ScriptedDesktop::ShapeForm(Form& form, std::span<const Rectangle> rectangle
     Outlines[&form].assign(rectangles.begin(), rectangles.end());
 }
 
-void ScriptedDesktop::MoveForm(Form& form) { Note("move " + form.Name); }
+void ScriptedDesktop::MoveForm(Form& form) {
+    Note("move " + form.Name);
+}
 
 Size ScriptedDesktop::InnerSize(Form& form) {
     const Size outer = OuterSize(form);
@@ -225,9 +230,13 @@ std::optional<std::filesystem::path> ScriptedDesktop::SaveFileDialog(Form&, cons
     return AnswerDialog("save ", title);
 }
 
-void ScriptedDesktop::Beep() { Note("beep"); }
+void ScriptedDesktop::Beep() {
+    Note("beep");
+}
 
-void ScriptedDesktop::OpenAddress(const Text& address) { Note("address " + ToUtf8(address)); }
+void ScriptedDesktop::OpenAddress(const Text& address) {
+    Note("address " + ToUtf8(address));
+}
 
 Text ScriptedDesktop::ReadSetting(const Text& application, const Text& section, const Text& key,
                                   const Text& defaultValue) {
@@ -258,9 +267,13 @@ void* ScriptedDesktop::FindSymbol(const Text& libraryName, const char* symbol) {
     return address == library->second.end() ? nullptr : address->second;
 }
 
-std::string ScriptedDesktop::ToBytes(TextView text) { return ToCodePage(text, CodePage); }
+std::string ScriptedDesktop::ToBytes(TextView text) {
+    return ToCodePage(text, CodePage);
+}
 
-Text ScriptedDesktop::FromBytes(std::string_view bytes) { return FromCodePage(bytes, CodePage); }
+Text ScriptedDesktop::FromBytes(std::string_view bytes) {
+    return FromCodePage(bytes, CodePage);
+}
 
 void ScriptedDesktop::EndProcess() {
     Note("end");

@@ -26,13 +26,13 @@ class ScriptedDesktop : public Desktop, private FormObserver {
 
     // What the test sets up.
 
-    std::deque<std::function<void()>> Script;      ///< one step each time the program would sleep
-    std::function<void()> BeforeProcess;           ///< runs at the start of each ProcessEvents()
-    std::uint32_t NowMs = 1000;                    ///< the clock
-    std::uint32_t TickStepMs = 10;                 ///< how far each reading moves it
+    std::deque<std::function<void()>> Script; ///< one step each time the program would sleep
+    std::function<void()> BeforeProcess;      ///< runs at the start of each ProcessEvents()
+    std::uint32_t NowMs = 1000;               ///< the clock
+    std::uint32_t TickStepMs = 10;            ///< how far each reading moves it
     std::map<std::string, Text> Environment;
-    std::map<std::string, Text> Settings;          ///< "application/section/key" in small letters
-    std::map<Text, std::map<std::string, void*>> Libraries; ///< what LoadLibrary finds: exports by name
+    std::map<std::string, Text> Settings;                           ///< "application/section/key" in small letters
+    std::map<Text, std::map<std::string, void*>> Libraries;         ///< what LoadLibrary finds: exports by name
     std::deque<std::optional<std::filesystem::path>> DialogAnswers; ///< empty: cancelled
     int CodePage = 1252;
     Size FrameBorder{10, 50}; ///< outer size minus inner size of a framed form
