@@ -2,6 +2,7 @@
 
 #include "platform/qt/Conversions.h"
 
+#include <QCursor>
 #include <QGuiApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
@@ -145,6 +146,7 @@ void FormCanvas::CarryWindow() {
         return;
     }
     carrying_ = true;
+    window()->move(QCursor::pos() - grabbedAt_); // the pointer has gone on since the press
 }
 
 bool FormCanvas::event(QEvent* event) {

@@ -9,9 +9,19 @@
 
 namespace quarnel {
 
+namespace {
+
+// Close together, so that all menus have room in the smallest window.
+const QString BarStyle =
+    QStringLiteral("QMenuBar::item { padding: 2px 5px; }"
+                   "QMenuBar::item:selected { background: palette(highlight); color: palette(highlighted-text); }");
+
+} // namespace
+
 FormMenuBar::FormMenuBar(const Form& form, EventQueue& queue, QWidget* parent)
     : QMenuBar(parent), form_(&form), queue_(queue) {
     setNativeMenuBar(false); // a bar outside the window would change the window's size
+    setStyleSheet(BarStyle);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setFixedHeight(Height());
     Build();
@@ -21,6 +31,7 @@ int FormMenuBar::Height() {
     static const int height = [] {
         QMenuBar sample;
         sample.setNativeMenuBar(false);
+        sample.setStyleSheet(BarStyle);
         sample.addAction(QStringLiteral("X"));
         sample.ensurePolished();
         return sample.sizeHint().height();

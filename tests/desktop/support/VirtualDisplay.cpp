@@ -136,9 +136,7 @@ std::unique_ptr<VirtualDisplay> VirtualDisplay::Start(int width, int height) {
     display->windowManager_ =
         StartProgram({"openbox", "--sm-disable", "--config-file", settings}, display->Environment());
     WindowDriver driver(display->name_);
-    if (!driver.WaitUntil([&] { return driver.HasWindowManager(); })) {
-        throw std::runtime_error("openbox did not get ready.");
-    }
+    if (!driver.WaitForWindowManager()) throw std::runtime_error("openbox did not get ready.");
     return display;
 }
 

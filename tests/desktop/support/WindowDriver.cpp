@@ -119,9 +119,28 @@ void WindowDriver::SendToRoot(WindowId window, const char* message, long first, 
     XSync(display_, False);
 }
 
-bool WindowDriver::HasWindowManager() {
-    const auto check = LongsProperty(root_, "_NET_SUPPORTING_WM_CHECK");
-    return !check.empty() && LongsProperty(check[0], "_NET_SUPPORTING_WM_CHECK") == check;
+// A window manager that is still starting announces itself early and loses what is shown to it then. So windows are
+// shown to it until it takes one.
+bool WindowDriver::WaitForWindowManager() {
+    constexpr int LooksForEach = 50;
+    Window sample = 0;
+    int looks = 0;
+    const bool managed = WaitUntil([&] {
+        if (looks++ % LooksForEach == 0) {
+            if (sample != 0) XDestroyWindow(display_, sample);
+            sample = XCreateSimpleWindow(display_, root_, 0, 0, 10, 10, 0, 0, 0);
+            XMapWindow(display_, sample);
+            XSync(display_, False);
+        }
+        return Manages(sample);
+    });
+    XDestroyWindow(display_, sample);
+    return managed && WaitUntil([&] { return !Manages(sample); });
+}
+
+bool WindowDriver::Manages(WindowId window) {
+    const auto managed = LongsProperty(root_, "_NET_CLIENT_LIST");
+    return std::find(managed.begin(), managed.end(), window) != managed.end();
 }
 
 // Windows.

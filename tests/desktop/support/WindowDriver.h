@@ -37,7 +37,8 @@ class WindowDriver {
     /// Whether `state` came to hold.
     bool WaitUntil(const std::function<bool()>& state);
 
-    bool HasWindowManager();
+    /// Waits until the display's window manager takes windows into its care.
+    bool WaitForWindowManager();
     /// The managed window of that title on the screen, 0 while there is none.
     WindowId FindWindow(const std::string& title);
     /// Waits for it; 0 when it never came.
@@ -88,6 +89,7 @@ class WindowDriver {
     Colour PixelAt(WindowId window, int x, int y);
 
   private:
+    bool Manages(WindowId window);
     std::vector<unsigned long> LongsProperty(WindowId window, const char* property);
     std::string TextProperty(WindowId window, const char* property);
     void SendToRoot(WindowId window, const char* message, long first, long second);
