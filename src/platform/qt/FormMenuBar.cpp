@@ -13,7 +13,8 @@ namespace {
 
 // Close together, so that all menus have room in the smallest window.
 const QString BarStyle =
-    QStringLiteral("QMenuBar::item { padding: 2px 5px; }"
+    QStringLiteral("QMenuBar { spacing: 0px; }"
+    "QMenuBar::item { padding: 2px 4px; }"
                    "QMenuBar::item:selected { background: palette(highlight); color: palette(highlighted-text); }");
 
 } // namespace
