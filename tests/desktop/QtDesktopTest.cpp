@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QWidget>
 
+#include <atomic>
 #include <fstream>
 #include <thread>
 
@@ -424,6 +425,21 @@ TEST_F(QtDesktopTest, AFileDialogGivesThePathOrNothing) {
     EXPECT_EQ(TheDesktop->SaveFileDialog(Sample.Main, u"Save it"), std::nullopt);
     user.join();
     EXPECT_THAT(Sample.TakeLog(), IsEmpty()) << "the form behind a dialog takes no presses";
+}
+
+TEST_F(QtDesktopTest, ClosingTheMainWindowIsHonouredUnderAFileDialog) {
+    std::atomic<bool> closed = false;
+    Sample.Main.OnQueryUnload = [&] { closed = true; };
+    std::thread user([&] {
+        WindowDriver hand(TheDisplay->Name());
+        const WindowId dialog = hand.WaitForWindow("Open it");
+        hand.AskToClose(Window);
+        hand.WaitUntil([&] { return closed.load(); });
+        hand.AskToClose(dialog);
+    });
+    EXPECT_EQ(TheDesktop->OpenFileDialog(Sample.Main, u"Open it"), std::nullopt);
+    user.join();
+    EXPECT_TRUE(closed);
 }
 
 TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
