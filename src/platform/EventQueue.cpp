@@ -61,7 +61,7 @@ void EventQueue::PushMove(const FormPointerEvent& event) {
 
 bool EventQueue::DeliverNext() {
     if (events_.empty()) return false;
-    const WindowEvent event = std::move(events_.front());
+    const WindowEvent event = events_.front();
     events_.pop_front();
     if (const auto* pointer = std::get_if<FormPointerEvent>(&event)) {
         Deliver(*pointer);

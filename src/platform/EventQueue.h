@@ -28,7 +28,7 @@ using WindowEvent = std::variant<FormPointerEvent, MenuClickEvent>;
 
 class EventQueue {
   public:
-    void Push(WindowEvent event) { events_.push_back(std::move(event)); }
+    void Push(const WindowEvent& event) { events_.push_back(event); }
     /// Appends a pointer move. It takes the place of a move of the same form and button that is the newest
     /// event waiting, so that a pointer faster than the program leaves no row of old positions behind it.
     void PushMove(const FormPointerEvent& event);
