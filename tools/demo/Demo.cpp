@@ -67,9 +67,7 @@ class Demonstration {
     // The upper light is lit while the engine thinks, from before the moved piece stands on its square.
     void AwaitAnswer(const char* moved) {
         const Square square = At(moved);
-        Await([&] {
-            return eye_->Piece(square.File, square.Row) != NoPiece && eye_->LowerLight() && !eye_->UpperLight();
-        });
+        Await([&] { return eye_->Piece(square.File, square.Row) != NoPiece && eye_->LowerLight() && eye_->Idle(); });
     }
     void Keep(const std::string& name) {
         const std::string path = folder_ + "/" + name + ".png";

@@ -68,6 +68,11 @@ const Control* FirstLabel(const Control& parent) {
     return nullptr;
 }
 
+// Whether a press on the control does something.
+bool Presses(const Control& control) {
+    return control.OnClick || control.OnMouseUp;
+}
+
 // The name of a control, empty for one that says nothing.
 Text NameOf(const Control& control) {
     if (!control.ToolTip.Get().empty()) return control.ToolTip;
@@ -82,7 +87,7 @@ class ControlPart : public Part {
     ControlPart(FormCanvas& canvas, const Control& control) : Part(canvas), control_(control) {}
 
     QAccessible::Role role() const override {
-        if (control_.OnClick) return QAccessible::Button;
+        if (Presses(control_)) return QAccessible::Button;
         return control_.Kind == ControlKind::Label ? QAccessible::StaticText : QAccessible::Graphic;
     }
     QAccessible::State state() const override {
@@ -94,7 +99,7 @@ class ControlPart : public Part {
 
   protected:
     Text Name() const override { return NameOf(control_); }
-    bool CanBePressed() const override { return control_.OnClick && control_.Enabled && control_.IsShown(); }
+    bool CanBePressed() const override { return Presses(control_) && control_.Enabled && control_.IsShown(); }
     QRectF Area() const override {
         QRectF area(0, 0, control_.Width, control_.Height);
         for (const Control* c = &control_; c->Kind != ControlKind::Form; c = c->Parent()) {

@@ -14,7 +14,7 @@ namespace {
 // Close together, so that all menus have room in the smallest window.
 const QString BarStyle =
     QStringLiteral("QMenuBar { spacing: 0px; }"
-    "QMenuBar::item { padding: 2px 4px; }"
+                   "QMenuBar::item { padding: 2px 4px; }"
                    "QMenuBar::item:selected { background: palette(highlight); color: palette(highlighted-text); }");
 
 } // namespace

@@ -271,7 +271,9 @@ std::optional<std::filesystem::path> QtDesktop::RunFileDialog(Form& owner, const
                                                               QFileDialog::AcceptMode mode) {
     QFileDialog dialog(WindowOf(owner), ToQString(title));
     dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    // It asks nothing of its own: a question would be the toolkit's modal box, under which no close comes through.
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilter(QStringLiteral("All Files (*.*) (*)")); // "*.*" alone would hide names without a dot
     std::optional<int> result;

@@ -86,6 +86,14 @@ bool BoardEye::LightAt(int x, int y) const {
     return (At(x + 4, y + 4) ^ Light) << 8 == 0;
 }
 
+bool BoardEye::Idle() const {
+    constexpr Colour toolbar = Rgb(192, 64, 0);
+    for (int x = 26; x < 40; ++x) {
+        if ((At(x, 354) ^ toolbar) << 8 != 0) return true;
+    }
+    return false;
+}
+
 Surface BoardEye::Strip() const {
     Surface strip(153, 16);
     BitBlt(strip, 0, 0, strip.Width(), strip.Height(), picture_, 180, 346 + menuHeight_, RasterOp::SrcCopy);

@@ -29,6 +29,8 @@ class BoardEye {
     SquareGround Ground(int file, int row) const { return grounds_[row][file]; }
     bool LowerLight() const { return LightAt(349, 328); }
     bool UpperLight() const { return LightAt(349, 32); }
+    /// Whether the toolbar offers "Back to start": nobody thinks, and the board takes moves.
+    bool Idle() const;
     /// The status strip's pixels.
     Surface Strip() const;
 
