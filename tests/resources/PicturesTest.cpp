@@ -240,7 +240,7 @@ bool InWindow(int x, int y, int width, int height) {
                       {2, 5, width - 2, 6}, {1, 6, width - 1, 7}, {1, 7, width - 1, 8}, {0, 8, width, height}};
     constexpr int Cut[] = {8, 6, 4, 3, 2, 2, 1, 1};
     const int fromBottom = height - 1 - y;
-    if (fromBottom < 8 && (x < Cut[fromBottom] || x >= width - Cut[fromBottom])) return false;
+    if (fromBottom >= 0 && fromBottom < 8 && (x < Cut[fromBottom] || x >= width - Cut[fromBottom])) return false;
     return std::ranges::any_of(rectangles,
                                [&](const auto& r) { return x >= r.left && x < r.right && y >= r.top && y < r.bottom; });
 }
