@@ -42,11 +42,11 @@ QString WithLineFeeds(const Text& text) {
 
 } // namespace
 
-QFont FontFor(const FontSpec& spec, double scale) {
+QFont FontFor(const FontSpec& wanted, double scale) {
     QFont font;
-    font.setFamilies(FamiliesOf(spec.Name));
-    font.setPointSizeF(spec.Points * scale);
-    font.setBold(spec.Bold);
+    font.setFamilies(FamiliesOf(wanted.Name));
+    font.setPointSizeF(wanted.Points * scale);
+    font.setBold(wanted.Bold);
     font.setStyleStrategy(static_cast<QFont::StyleStrategy>(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
     font.setHintingPreference(QFont::PreferVerticalHinting);
     return font;

@@ -12,8 +12,8 @@
 
 namespace quarnel {
 
-/// The font for `spec`, `scale` times as large; for painting on images that SetDotsPerInch() was called for.
-QFont FontFor(const FontSpec& spec, double scale);
+/// The font for `wanted`, `scale` times as large; for painting on images that SetDotsPerInch() was called for.
+QFont FontFor(const FontSpec& wanted, double scale);
 
 /// Lets the dots of `image` count 96 to the inch.
 void SetDotsPerInch(QImage& image);
