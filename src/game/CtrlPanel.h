@@ -66,6 +66,7 @@ class CtrlPanel {
     Position ReplayToPly(int ply, Truth resync, Truth incremental);
 
   private:
+    void NewGameAgainst(Truth computer);
     bool MaySelectOrMove(int piece, BoardAction action) const;
     void Select(Square square, int piece, PointerButton button, int shift, float x, float y, BoardAction action);
     MoveRec MoveTo(Square square) const;

@@ -51,24 +51,23 @@ void CtrlPanel::NewGame() {
     }
 }
 
-void CtrlPanel::NewGameAsWhite() {
+// The board is turned only when the user changes sides.
+void CtrlPanel::NewGameAgainst(Truth computer) {
     p_.State.PlyNow = 0;
-    if (p_.State.ComputerColor == White) {
-        p_.State.ComputerColor = Black;
+    if (p_.State.ComputerColor != computer) {
+        p_.State.ComputerColor = computer;
         p_.Renderer.FlipBoard();
     }
     p_.Renderer.ShowMoveText(u"none");
     NewGame();
 }
 
+void CtrlPanel::NewGameAsWhite() {
+    NewGameAgainst(Black);
+}
+
 void CtrlPanel::NewGameAsBlack() {
-    p_.State.PlyNow = 0;
-    if (p_.State.ComputerColor == Black) {
-        p_.State.ComputerColor = White;
-        p_.Renderer.FlipBoard();
-    }
-    p_.Renderer.ShowMoveText(u"none");
-    NewGame();
+    NewGameAgainst(White);
     p_.Control.StartEngineMove();
 }
 
