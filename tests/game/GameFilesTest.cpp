@@ -1,4 +1,6 @@
 // Game records: their bytes, their two messages, and what survives each kind of failure.
+#include "quarnelchess/Records.h"
+#include "quarnelchess/Search.h"
 #include "support/ProgramFixture.h"
 
 #include <filesystem>
@@ -197,24 +199,35 @@ TEST_F(GameRecords, LoadedWhileTheEngineThinksTheComingMoveIsDropped) {
     });
 }
 
-// Random games, saved, loaded and saved again: the same bytes, and the same position after every ply.
+// Games of the engine against itself, saved, loaded and saved again: the same bytes, and the same position after
+// every ply.
 TEST_F(GameRecords, RoundTripWithEveryPosition) {
+    engine::SteadyClock clock;
+    engine::Search search(clock);
+    search.SetHash(1);
+    engine::SearchLimits limits;
+    limits.Nodes = 100;
+    limits.Skill = 20; // errs enough to let every kind of game happen
     Play([&] {
         std::mt19937 random(7);
+        std::size_t longest = 0;
         for (int game = 0; game < 200; ++game) {
+            search.SetSeed(static_cast<std::uint64_t>(game));
             Choose(Game->Board.SubFileMenu[0]);
             std::vector<std::string> positions{Fen()};
-            const int plies = 1 + static_cast<int>(random() % 60);
-            for (int ply = 0; ply < plies; ++ply) {
-                Position& position = State().CurPos;
-                const MoveList list = GenerateMoves(Game->Library, position, position.SideToMove);
-                if (list.Count == 0) break;
-                const MoveRec& move = list.Moves[random() % list.Count];
+            const std::size_t plies = 1 + random() % (game % 8 == 0 ? 240 : 60);
+            for (Position& position = State().CurPos; positions.size() <= plies;) {
+                const auto board =
+                    engine::BoardFromRecord(position, position.SideToMove == Black ? engine::Black : engine::White);
+                const engine::Move best = search.Run({*board, {}}, limits).Best;
+                if (!best) break;
+                const MoveRec move = engine::RecordFromMove(*board, best);
                 Game->Recorder.RecordMove(notation::MoveToLongText(position, move));
                 Game->Library.MakeMove(position, move);
                 position.SideToMove = Not(position.SideToMove);
                 positions.push_back(Fen());
             }
+            longest = std::max(longest, positions.size());
             ASSERT_EQ(Save("first"), "");
             ASSERT_EQ(Load("first"), "");
             ASSERT_EQ(Save("second"), "");
@@ -224,6 +237,7 @@ TEST_F(GameRecords, RoundTripWithEveryPosition) {
                 ASSERT_EQ(Fen(), positions[ply]) << "game " << game << ", ply " << ply;
             }
         }
+        EXPECT_GT(longest, 150U); // some games are long, or this shows little
     });
 }
 
