@@ -2,6 +2,7 @@
 
 #include "platform/qt/Conversions.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QHelpEvent>
@@ -83,9 +84,12 @@ void FormCanvas::Push(Action what, PointerButton button, Qt::KeyboardModifiers k
     } else {
         queue_.Push(event);
     }
+    // Not every dispatcher looks again before it sleeps.
+    QCoreApplication::eventDispatcher()->wakeUp();
 }
 
 void FormCanvas::PushClick(double x, double y) {
+    Push(Action::Move, PointerButton::None, {}, {x, y});
     Push(Action::Press, PointerButton::Left, {}, {x, y});
     Push(Action::Release, PointerButton::Left, {}, {x, y});
 }
@@ -95,6 +99,9 @@ void FormCanvas::mousePressEvent(QMouseEvent* event) {
     if (button == PointerButton::None) return;
     pressed_ |= event->button();
     grabbedAt_ = event->globalPosition().toPoint() - window()->pos();
+    // The pointer may have come here unseen, and whoever takes the press must not find it at its last place.
+    const Qt::MouseButtons before = event->buttons() & ~Qt::MouseButtons(event->button());
+    Push(Action::Move, ToPointerButton(before), event->modifiers(), event->position());
     Push(Action::Press, button, event->modifiers(), event->position());
 }
 
@@ -103,33 +110,33 @@ void FormCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void FormCanvas::mouseReleaseEvent(QMouseEvent* event) {
-    ReleaseWhatIsNotHeld(*event);
+    ReleaseWhatIsNotHeld(*event, event->buttons());
 }
 
 void FormCanvas::mouseMoveEvent(QMouseEvent* event) {
-    FollowPointer(*event);
+    FollowPointer(*event, event->buttons());
 }
 
-// The toolkit drops a move to the place where the pointer came in.
+// The toolkit drops a move to the place where the pointer came in; its event for coming in knows no buttons.
 void FormCanvas::enterEvent(QEnterEvent* event) {
-    FollowPointer(*event);
+    FollowPointer(*event, QGuiApplication::mouseButtons());
 }
 
-void FormCanvas::FollowPointer(const QSinglePointEvent& event) {
-    ReleaseWhatIsNotHeld(event);
+void FormCanvas::FollowPointer(const QSinglePointEvent& event, Qt::MouseButtons held) {
+    ReleaseWhatIsNotHeld(event, held);
     if (carrying_) {
         window()->move(event.globalPosition().toPoint() - grabbedAt_);
         return;
     }
-    Push(Action::Move, ToPointerButton(event.buttons()), event.modifiers(), event.position());
+    Push(Action::Move, ToPointerButton(held), event.modifiers(), event.position());
 }
 
-// Pushes the release of every button that `event` does not hold any longer. A release can get lost, for example when
+// Pushes the release of every button that is not `held` any longer. A release can get lost, for example when
 // the window manager takes the pointer away in the middle of a press; it is made up for as soon as the pointer is seen
 // again.
-void FormCanvas::ReleaseWhatIsNotHeld(const QSinglePointEvent& event) {
+void FormCanvas::ReleaseWhatIsNotHeld(const QSinglePointEvent& event, Qt::MouseButtons held) {
     for (const auto& [qtButton, button] : Buttons) {
-        if (!pressed_.testFlag(qtButton) || event.buttons().testFlag(qtButton)) continue;
+        if (!pressed_.testFlag(qtButton) || held.testFlag(qtButton)) continue;
         pressed_.setFlag(qtButton, false);
         if (qtButton == Qt::LeftButton) carrying_ = false;
         Push(Action::Release, button, event.modifiers(), event.position());

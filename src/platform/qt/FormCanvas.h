@@ -1,7 +1,8 @@
 // The inner area of a form's window: paints the form and reports the pointer.
 //
 // Its handlers only push events; program code never runs inside them. The pointer's position is given in the form's
-// pixels. A press is always followed by its release, even when the system loses it.
+// pixels. A press is always preceded by a move to its place and followed by its release, even when the system loses
+// one of them.
 #pragma once
 
 #include "platform/EventQueue.h"
@@ -28,7 +29,7 @@ class FormCanvas : public QWidget {
     void Refresh();
     /// Lets the pressed pointer carry the window until the release.
     void CarryWindow();
-    /// Pushes a press and a release of the left button at (x, y).
+    /// Pushes a move to (x, y), and a press and a release of the left button there.
     void PushClick(double x, double y);
     /// The form goes away; what is on the screen stays until the window does.
     void Forget();
@@ -44,8 +45,8 @@ class FormCanvas : public QWidget {
 
   private:
     void Push(FormPointerEvent::Action what, PointerButton button, Qt::KeyboardModifiers keys, const QPointF& at);
-    void FollowPointer(const QSinglePointEvent& event);
-    void ReleaseWhatIsNotHeld(const QSinglePointEvent& event);
+    void FollowPointer(const QSinglePointEvent& event, Qt::MouseButtons held);
+    void ReleaseWhatIsNotHeld(const QSinglePointEvent& event, Qt::MouseButtons held);
     bool ShowToolTip(const QPoint& at, const QPoint& onScreen);
 
     Form* form_;

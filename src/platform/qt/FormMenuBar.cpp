@@ -2,7 +2,9 @@
 
 #include "platform/qt/Conversions.h"
 
+#include <QAbstractEventDispatcher>
 #include <QAction>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QKeySequence>
 #include <QMenu>
@@ -54,7 +56,9 @@ void FormMenuBar::Build(MenuItem& item, QWidget& parent) {
         action = new QAction(&parent);
         connect(action, &QAction::triggered, this, [this, &item, action] {
             Copy(item, *action); // the toolkit has just turned a check mark over that is the program's
-            if (form_ != nullptr) queue_.Push(MenuClickEvent{&item});
+            if (form_ == nullptr) return;
+            queue_.Push(MenuClickEvent{&item});
+            QCoreApplication::eventDispatcher()->wakeUp(); // as for the pointer's events
         });
     } else {
         auto* menu = new QMenu(&parent);
