@@ -261,12 +261,15 @@ SearchLimits Uci::ReadLimits(std::string_view rest) {
             std::find_if(std::begin(numbers), std::end(numbers), [word](const auto& n) { return n.Name == word; });
         if (number != std::end(numbers)) {
             std::int64_t value = 0;
-            const std::string_view digits = NextWord(rest);
+            std::string_view behind = rest;
+            const std::string_view digits = NextWord(behind);
             const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-            if (!digits.empty() && error == std::errc{} && end == digits.data() + digits.size())
-                number->Value = std::clamp(value, number->Lowest, number->Highest);
-            else
+            if (digits.empty() || error != std::errc{} || end != digits.data() + digits.size()) {
                 Complain("no number after " + std::string(word), digits);
+                continue;
+            }
+            number->Value = std::clamp(value, number->Lowest, number->Highest);
+            rest = behind;
         } else if (word == "infinite" || word == "ponder") {
             (word == "ponder" ? limits.Ponder : limits.Infinite) = true;
         } else if (word == "searchmoves") {
