@@ -14,27 +14,23 @@ using Action = FormPointerEvent::Action;
 class EventQueueTest : public testing::Test {
   protected:
     EventQueueTest() {
-        Place(Window, 0, 0, 200, 100);
-        Place(Box, 50, 20, 100, 60);
-        Place(Button, 10, 10, 30, 20);
+        Put(Window, 0, 0, 200, 100);
+        Put(Box, 50, 20, 100, 60);
+        Put(Button, 10, 10, 30, 20);
+        Put(Dialog, 0, 0, 80, 40);
         Window.Add(Box);
         Box.Add(Button);
-        Place(Dialog, 0, 0, 80, 40);
-        for (Control* control : {static_cast<Control*>(&Window), &Box, &Button, static_cast<Control*>(&Dialog)}) {
-            Follow(*control);
-        }
         Window.AddMenu(Menu);
         Menu.Add(Item);
         Item.OnClick = [this] { Log.emplace_back("item"); };
     }
 
-    static void Place(Control& control, double left, double top, double width, double height) {
+    // Gives the control its place and lets the log follow what happens to it.
+    void Put(Control& control, double left, double top, double width, double height) {
         control.Left = left;
         control.Top = top;
         control.Width = width;
         control.Height = height;
-    }
-    void Follow(Control& control) {
         const auto note = [this, &control](const char* what) {
             return [this, &control, what](const PointerEvent& event) {
                 Log.push_back(control.Name + " " + what + " " + std::to_string(static_cast<int>(event.X)) + "," +
@@ -46,16 +42,24 @@ class EventQueueTest : public testing::Test {
         control.OnMouseUp = note("up");
         control.OnClick = [this, &control] { Log.push_back(control.Name + " click"); };
     }
-    void Push(Action what, float x, float y, PointerButton button = PointerButton::Left) {
-        Queue.Push(FormPointerEvent{what, &Window, {button, 0, x, y}});
+    void Press(float x, float y, PointerButton button = PointerButton::Left) {
+        Queue.Push(FormPointerEvent{Action::Press, &Window, {button, 0, x, y}});
     }
-    void PushToDialog(Action what, float x, float y) {
-        Queue.Push(FormPointerEvent{what, &Dialog, {PointerButton::Left, 0, x, y}});
+    void Release(float x, float y, PointerButton button = PointerButton::Left) {
+        Queue.Push(FormPointerEvent{Action::Release, &Window, {button, 0, x, y}});
     }
+    void Move(float x, float y, PointerButton held = PointerButton::None) {
+        Queue.PushMove({Action::Move, &Window, {held, 0, x, y}});
+    }
+    void PressDialog() { Queue.Push(FormPointerEvent{Action::Press, &Dialog, {PointerButton::Left, 0, 1, 2}}); }
     std::vector<std::string> Deliver() {
         while (Queue.DeliverNext()) {
         }
         return std::exchange(Log, {});
+    }
+    std::string Reached(float x, float y) {
+        Move(x, y);
+        return Deliver().front();
     }
 
     Form Window{"window", FormBorder::Framed};
@@ -68,139 +72,98 @@ class EventQueueTest : public testing::Test {
     std::vector<std::string> Log;
 };
 
-TEST_F(EventQueueTest, ThePointerReachesTheInnermostControlInItsOwnPixels) {
-    Push(Action::Move, 61, 33, PointerButton::None);
-    Push(Action::Move, 55, 25, PointerButton::None);
-    Push(Action::Move, 10, 90, PointerButton::None);
-    EXPECT_THAT(Deliver(), ElementsAre("button move 1,3", "box move 5,5", "window move 10,90"));
-}
-
-TEST_F(EventQueueTest, HiddenAndDisabledControlsLetThePointerThrough) {
-    Button.Enabled = false;
-    Push(Action::Move, 61, 33, PointerButton::None);
-    EXPECT_THAT(Deliver(), ElementsAre("box move 11,13"));
-    Box.Visible = false;
-    Push(Action::Move, 61, 33, PointerButton::None);
-    EXPECT_THAT(Deliver(), ElementsAre("window move 61,33"));
-}
-
-TEST_F(EventQueueTest, TheControlAddedLastLiesOnTop) {
+TEST_F(EventQueueTest, ThePointerReachesTheInnermostAndTopmostControlThatIsShownAndEnabledInItsOwnPixels) {
+    EXPECT_EQ(Reached(61, 33), "button move 1,3");
+    EXPECT_EQ(Reached(55, 25), "box move 5,5");
+    EXPECT_EQ(Reached(10, 90), "window move 10,90");
     Control cover(ControlKind::Image, "cover");
-    Place(cover, 60, 30, 10, 10);
-    Follow(cover);
+    Put(cover, 60, 30, 10, 10);
     Window.Add(cover);
-    Push(Action::Move, 61, 33, PointerButton::None);
-    Push(Action::Move, 70, 33, PointerButton::None);
-    EXPECT_THAT(Deliver(), ElementsAre("cover move 1,3", "button move 10,3"));
+    EXPECT_EQ(Reached(61, 33), "cover move 1,3") << "added last";
+    EXPECT_EQ(Reached(70, 33), "button move 10,3") << "beside it";
+    cover.Enabled = Button.Enabled = false;
+    EXPECT_EQ(Reached(61, 33), "box move 11,13");
+    Box.Visible = false;
+    EXPECT_EQ(Reached(61, 33), "window move 61,33");
 }
 
-TEST_F(EventQueueTest, AClickIsAPressAndAReleaseInside) {
-    Push(Action::Press, 61, 33);
-    Push(Action::Release, 62, 34);
+TEST_F(EventQueueTest, APressedControlHasThePointerUntilItsButtonIsReleasedAndInsideThatIsAClick) {
+    Press(61, 33);
+    Release(62, 34);
     EXPECT_THAT(Deliver(), ElementsAre("button down 1,3", "button up 2,4", "button click"));
-}
-
-TEST_F(EventQueueTest, APressedControlHasThePointerUntilTheRelease) {
-    Push(Action::Press, 61, 33);
-    Push(Action::Move, 10, 90);
-    Push(Action::Release, -20, 300);
-    Push(Action::Move, 10, 90, PointerButton::None);
+    Press(61, 33);
+    Move(10, 90, PointerButton::Left);
+    Release(-20, 300);
+    Move(10, 90);
     EXPECT_THAT(Deliver(),
-                ElementsAre("button down 1,3", "button move -50,60", "button up -80,270", "window move 10,90"))
-        << "a release outside is no click";
-}
-
-TEST_F(EventQueueTest, OnlyTheButtonThatBeganEndsAPress) {
-    Push(Action::Press, 61, 33, PointerButton::Left);
-    Push(Action::Press, 61, 33, PointerButton::Right);
-    Push(Action::Release, 61, 33, PointerButton::Right);
-    Push(Action::Release, 10, 90, PointerButton::Left);
+                ElementsAre("button down 1,3", "button move -50,60", "button up -80,270", "window move 10,90"));
+    Press(61, 33);
+    Press(61, 33, PointerButton::Right);
+    Release(61, 33, PointerButton::Right);
+    Release(10, 90);
     EXPECT_THAT(Deliver(), ElementsAre("button down 1,3", "button down 1,3", "button up 1,3", "button up -50,60"));
-    Push(Action::Press, 61, 33, PointerButton::Right);
-    Push(Action::Release, 61, 33, PointerButton::Right);
+    Press(61, 33, PointerButton::Right);
+    Release(61, 33, PointerButton::Right);
     EXPECT_THAT(Deliver(), ElementsAre("button down 1,3", "button up 1,3")) << "only the left button clicks";
 }
 
-TEST_F(EventQueueTest, AModalFormTakesPressesAndMenusFromTheOthers) {
+TEST_F(EventQueueTest, AModalFormTakesPressesAndMenusFromTheOthersButNotARunningDrag) {
+    Press(61, 33);
+    Deliver();
     Queue.EnterModal(Dialog);
-    Push(Action::Press, 61, 33);
-    Push(Action::Release, 61, 33);
+    Move(62, 34, PointerButton::Left);
+    Release(0, 0);
+    Press(61, 33);
     Queue.Push(MenuClickEvent{&Item});
-    PushToDialog(Action::Press, 1, 2);
-    PushToDialog(Action::Release, 1, 2);
-    EXPECT_THAT(Deliver(), ElementsAre("dialog down 1,2", "dialog up 1,2", "dialog click"));
+    PressDialog();
+    EXPECT_THAT(Deliver(), ElementsAre("button move 2,4", "button up -60,-30", "dialog down 1,2"));
     Queue.LeaveModal();
     Queue.Push(MenuClickEvent{&Item});
     EXPECT_THAT(Deliver(), ElementsAre("item"));
 }
 
-TEST_F(EventQueueTest, ADragThatAModalFormInterruptsIsStillReleased) {
-    Push(Action::Press, 61, 33);
-    EXPECT_THAT(Deliver(), ElementsAre("button down 1,3"));
-    Queue.EnterModal(Dialog);
-    Push(Action::Move, 62, 34);
-    Push(Action::Release, 0, 0);
-    Push(Action::Press, 61, 33);
-    EXPECT_THAT(Deliver(), ElementsAre("button move 2,4", "button up -60,-30"));
-}
-
 TEST_F(EventQueueTest, AMenuItemIsClickedOnlyIfItCanBeReachedWhenItsTurnComes) {
-    Queue.Push(MenuClickEvent{&Item});
-    Item.Enabled = false;
-    EXPECT_THAT(Deliver(), IsEmpty());
-    Item.Enabled = true;
-    Menu.Visible = false;
-    Queue.Push(MenuClickEvent{&Item});
-    EXPECT_THAT(Deliver(), IsEmpty());
-    Menu.Visible = true;
-    Queue.Push(MenuClickEvent{&Item});
-    EXPECT_THAT(Deliver(), ElementsAre("item"));
+    for (const auto& [enabled, shown] : {std::pair{false, true}, {true, false}, {true, true}}) {
+        Item.Enabled = Menu.Visible = true;
+        Queue.Push(MenuClickEvent{&Item});
+        Item.Enabled = enabled;
+        Menu.Visible = shown;
+        EXPECT_EQ(Deliver().size(), enabled && shown ? 1U : 0U);
+    }
 }
 
-TEST_F(EventQueueTest, AHandlerMayDeliverWhatFollows) {
+TEST_F(EventQueueTest, AHandlerMayReplaceItselfAndDeliverWhatFollows) {
     Button.OnMouseDown = [this](const PointerEvent&) {
+        Button.OnMouseDown = nullptr;
         Log.emplace_back("begin");
         while (Queue.DeliverNext()) {
         }
         Log.emplace_back("end");
     };
-    Push(Action::Press, 61, 33);
-    Push(Action::Release, 61, 33);
+    Press(61, 33);
+    Release(61, 33);
+    Press(61, 33);
     EXPECT_THAT(Deliver(), ElementsAre("begin", "button up 1,3", "button click", "end"));
 }
 
-TEST_F(EventQueueTest, AHandlerMayReplaceItself) {
-    Button.OnMouseDown = [this](const PointerEvent&) {
-        Button.OnMouseDown = nullptr;
-        Log.emplace_back("once");
-    };
-    Push(Action::Press, 61, 33);
-    Push(Action::Release, 0, 0);
-    Push(Action::Press, 61, 33);
-    EXPECT_THAT(Deliver(), ElementsAre("once", "button up -60,-30"));
-}
-
 TEST_F(EventQueueTest, WaitingMovesBecomeOneAndNothingElseDoes) {
-    const auto move = [this](float x, PointerButton held) {
-        Queue.PushMove({Action::Move, &Window, {held, 0, x, 90}});
-    };
-    move(1, PointerButton::None);
-    move(2, PointerButton::None);
-    Push(Action::Press, 2, 90);
-    move(3, PointerButton::Left);
-    move(4, PointerButton::Left);
-    Push(Action::Release, 5, 90);
-    move(6, PointerButton::None);
-    EXPECT_THAT(Deliver(), ElementsAre("window move 2,90", "window down 2,90", "window move 4,90", "window up 5,90",
-                                       "window click", "window move 6,90"));
+    Move(1, 90);
+    Move(2, 90);
+    Press(2, 90);
+    Move(3, 90, PointerButton::Left);
+    Move(4, 90, PointerButton::Left);
+    Move(5, 90);
+    Release(5, 90);
+    EXPECT_THAT(Deliver(), ElementsAre("window move 2,90", "window down 2,90", "window move 4,90", "window move 5,90",
+                                       "window up 5,90", "window click"));
 }
 
 TEST_F(EventQueueTest, AFormThatGoesAwayTakesItsEventsAlong) {
-    Push(Action::Press, 61, 33);
+    Press(61, 33);
     Deliver();
-    Push(Action::Release, 61, 33);
+    Release(61, 33);
     Queue.Push(MenuClickEvent{&Item});
-    PushToDialog(Action::Press, 1, 2);
+    PressDialog();
     Queue.Forget(Window);
     EXPECT_THAT(Deliver(), ElementsAre("dialog down 1,2"));
 }
