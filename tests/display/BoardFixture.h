@@ -24,19 +24,17 @@ inline Position MakePosition(std::string_view squares, Truth side = White) {
 
 inline constexpr std::string_view StartSquares = "rnbqkbnrpppppppp................................PPPPPPPPRNBQKBNR";
 
-/// What a frame should show. Squares as (file, row); file 0 is none.
+/// What a frame should show beside the pieces. Squares as (file, row); file 0 is none.
 struct ExpectedFrame {
-    Position Pieces{};
-    Truth Flipped = False;
     Square LastMove{}, Selected{}, Hidden{}, Inverted{}, Red{}, Erased{};
     int Floating = 0; ///< a piece drawn over everything at
     PixelPoint At{};
 
-    Surface Draw(Desktop& desktop) const {
+    Surface Draw(Desktop& desktop, const Position& pieces, Truth flipped) const {
         Surface frame(366, 366, 0xFF590000U);
-        DrawLabels(desktop, frame);
+        DrawLabels(desktop, frame, flipped);
         for (int y = 18; y < 18 + 8 * 41; ++y) {
-            for (int x = 18; x < 18 + 8 * 41; ++x) frame.Set(x, y, OnBoard(x, y));
+            for (int x = 18; x < 18 + 8 * 41; ++x) frame.Set(x, y, OnBoard(x, y, pieces, flipped));
         }
         for (int y = 0; Floating != 0 && y < 41; ++y) {
             for (int x = 0; x < 41; ++x) {
@@ -49,11 +47,11 @@ struct ExpectedFrame {
     }
 
   private:
-    void DrawLabels(Desktop& desktop, Surface& frame) const {
+    static void DrawLabels(Desktop& desktop, Surface& frame, Truth flipped) {
         const FontSpec font{u"Arial", 9, true};
         for (int i = 0; i < 8; ++i) {
-            const auto letter = static_cast<char16_t>(Flipped ? u'H' - i : u'A' + i);
-            const auto digit = static_cast<char16_t>(Flipped ? u'1' + i : u'8' - i);
+            const auto letter = static_cast<char16_t>(flipped ? u'H' - i : u'A' + i);
+            const auto digit = static_cast<char16_t>(flipped ? u'1' + i : u'8' - i);
             desktop.DrawText(frame, 35 + 41 * i, 3, Text(1, letter), font, ColourWhite);
             desktop.DrawText(frame, 7, 32 + 41 * i, Text(1, digit), font, ColourWhite);
         }
@@ -69,19 +67,19 @@ struct ExpectedFrame {
         return image->pixels[index] | 0xFF000000U;
     }
 
-    Colour OnBoard(int x, int y) const {
+    Colour OnBoard(int x, int y, const Position& pieces, Truth flipped) const {
         const int column = (x - 18) / 41;
         const int line = (y - 18) / 41;
         const int insideX = (x - 18) % 41;
         const int insideY = (y - 18) % 41;
         const bool border = insideX < 4 || insideY < 4 || insideX >= 37 || insideY >= 37;
-        const Square square = Flipped ? Square{8 - column, 8 - line} : Square{column + 1, line + 1};
+        const Square square = flipped ? Square{8 - column, 8 - line} : Square{column + 1, line + 1};
         Colour colour = (column + line) % 2 == 0 ? Rgb(209, 160, 120) : Rgb(131, 66, 38);
         if (square == Erased) return colour;
         if (square == Inverted) colour = ~colour | 0xFF000000U;
         if (square == Red) colour = Rgb(255, 0, 0);
         if (square == LastMove && border) colour = ColourWhite;
-        const int piece = Pieces.Board[square.Row][square.File];
+        const int piece = pieces.Board[square.Row][square.File];
         if (piece >= 1 && piece <= 16 && square != Hidden) colour = Sprite(piece, insideX, insideY).value_or(colour);
         if (square == Selected && border) colour = ColourBlack;
         return colour;
@@ -104,8 +102,16 @@ class BoardFixture : public testing::Test {
         state.CurPos = MakePosition(StartSquares);
     }
 
-    /// The frame that is on the screen now.
-    const Surface& Shown() { return desktop.Frames[&frmBoard].Frame; }
+    /// Whether the frame on the screen is this one, pixel by pixel, with the pieces of the position.
+    bool Shows(const ExpectedFrame& frame) { return Shows(frame, state.CurPos); }
+    bool Shows(const ExpectedFrame& frame, const Position& pieces) {
+        return desktop.Frames[&frmBoard].Frame == frame.Draw(desktop, pieces, state.BoardFlipped);
+    }
+    bool ShowsAfterRedraw(const ExpectedFrame& frame) {
+        renderer.DrawCoordinates();
+        renderer.RedrawBoard();
+        return Shows(frame);
+    }
     int Presented() { return desktop.Frames[&frmBoard].Count; }
 
     GameState state;

@@ -22,166 +22,120 @@ bool operator==(const MoveRec& a, const MoveRec& b) {
     return std::memcmp(&a, &b, sizeof(MoveRec)) == 0;
 }
 
-PixelPoint ImageAt(Square square, Truth flipped) {
-    return flipped ? PixelPoint{18 + 41 * (8 - square.File), 18 + 41 * (8 - square.Row)}
-                   : PixelPoint{18 + 41 * (square.File - 1), 18 + 41 * (square.Row - 1)};
-}
-
 class AnimateMoveTest : public BoardFixture {
   protected:
-    // Draws `state.CurPos` and slides `move` over it.
-    void Animate(MoveRec& move, Truth noMarks = False) {
+    // Draws the position, slides `move` over it and returns how many frames that took.
+    int Animate(MoveRec& move, Truth noMarks = False) {
         renderer.DrawCoordinates();
         renderer.RedrawBoard();
         firstTick = desktop.NowMs;
-        before = Presented();
+        const int before = Presented();
         animation.AnimateMove(state.CurPos, move, noMarks);
+        return Presented() - before;
     }
-    int Steps() { return Presented() - before; }
+    Square Selected() const { return {controller.SelFile, controller.SelRow}; }
+    Square LastMove() const { return {state.LastMoveFile, state.LastMoveRow}; }
 
     std::uint32_t firstTick = 0;
-    int before = 0;
 };
 
 TEST_F(AnimateMoveTest, TakesFiftyMillisecondsASquareAtEveryZoom) {
-    struct Case {
-        MoveRec Move;
-        std::uint32_t DurationMs;
-    };
     desktop.TickStepMs = 1;
     for (const float zoom : {1.0F, 2.5F}) {
-        for (const Case& c :
-             {Case{MakeMove(5, 7, 5, 6), 50}, Case{MakeMove(5, 8, 6, 7), 50}, Case{MakeMove(2, 8, 3, 6), 100},
-              Case{MakeMove(1, 8, 1, 1), 350}, Case{MakeMove(8, 1, 1, 3), 350}}) {
+        const std::pair<MoveRec, int> cases[] = {{MakeMove(5, 7, 5, 6), 50},
+                                                 {MakeMove(5, 8, 6, 7), 50},
+                                                 {MakeMove(2, 8, 3, 6), 100},
+                                                 {MakeMove(1, 8, 1, 1), 350}};
+        for (auto [move, durationMs] : cases) {
             state.Zoom = zoom;
-            MoveRec move = c.Move;
-            Animate(move);
+            EXPECT_EQ(Animate(move), durationMs + 1) << "the last one is the redraw";
             // The clock is read once at the start and once after each step.
-            EXPECT_EQ(desktop.NowMs - firstTick, c.DurationMs + 1);
-            EXPECT_EQ(Steps(), static_cast<int>(c.DurationMs) + 1) << "the last one is the redraw";
+            EXPECT_EQ(desktop.NowMs - firstTick, static_cast<std::uint32_t>(durationMs + 1));
         }
     }
 }
 
 TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
-    struct Case {
-        Square From, To;
-        Truth Flipped;
-    };
     desktop.TickStepMs = 9; // uneven, so that positions fall between pixels
-    for (const Case& c : {Case{{7, 8}, {6, 6}, False}, Case{{7, 8}, {6, 6}, True}, Case{{1, 1}, {8, 8}, False},
-                          Case{{8, 7}, {8, 5}, True}, Case{{5, 2}, {1, 2}, False}}) {
-        state.BoardFlipped = c.Flipped;
-        state.LastMoveFile = 4;
-        state.LastMoveRow = 4;
-        controller.SelFile = 0;
-        ExpectedFrame expected{state.CurPos, c.Flipped};
-        expected.LastMove = {4, 4};
-        expected.Erased = c.From;
-        expected.Floating = PieceAt(state.CurPos, c.From.File, c.From.Row);
-        const PixelPoint from = ImageAt(c.From, c.Flipped);
-        const PixelPoint to = ImageAt(c.To, c.Flipped);
-        const int durationMs = 50 * std::max(std::abs(c.From.File - c.To.File), std::abs(c.From.Row - c.To.Row));
+    state.LastMoveFile = state.LastMoveRow = 4;
+    const std::tuple<Square, Square, Truth> cases[] = {
+        {{7, 8}, {6, 6}, False}, {{7, 8}, {6, 6}, True}, {{1, 1}, {8, 8}, False}, {{5, 2}, {1, 2}, False}};
+    for (const auto& [origin, target, flipped] : cases) {
+        state.BoardFlipped = flipped;
+        ExpectedFrame expected{.LastMove = {4, 4}, .Erased = origin};
+        expected.Floating = PieceAt(state.CurPos, origin.File, origin.Row);
+        const PixelPoint from = SquareCorner(origin, flipped);
+        const PixelPoint to = SquareCorner(target, flipped);
+        const int durationMs = 50 * std::max(std::abs(origin.File - target.File), std::abs(origin.Row - target.Row));
 
-        renderer.DrawCoordinates();
-        renderer.RedrawBoard();
-        int elapsedMs = 0;
+        int elapsedMs = -9; // the first frame shows the board before the slide
         desktop.BeforeProcess = [&] {
-            if (elapsedMs >= durationMs) return;
-            const auto along = [&](int a, int b) { return RoundHalfEven(a + (b - a) * 1.0 * elapsedMs / durationMs); };
-            expected.At = {along(from.X, to.X), along(from.Y, to.Y)};
-            EXPECT_TRUE(Shown() == expected.Draw(desktop)) << "after " << elapsedMs << " ms";
+            if (elapsedMs >= 0 && elapsedMs < durationMs) {
+                const double part = 1.0 * elapsedMs / durationMs;
+                expected.At = {RoundHalfEven(from.X + (to.X - from.X) * part),
+                               RoundHalfEven(from.Y + (to.Y - from.Y) * part)};
+                EXPECT_TRUE(Shows(expected)) << "after " << elapsedMs << " ms";
+            }
             elapsedMs += 9;
         };
-        MoveRec move = MakeMove(c.From.File, c.From.Row, c.To.File, c.To.Row);
-        animation.AnimateMove(state.CurPos, move, True);
+        MoveRec move = MakeMove(origin.File, origin.Row, target.File, target.Row);
+        Animate(move, True);
         desktop.BeforeProcess = nullptr;
         EXPECT_GE(elapsedMs, durationMs);
-        expected = {state.CurPos, c.Flipped};
-        expected.LastMove = {4, 4};
-        EXPECT_TRUE(Shown() == expected.Draw(desktop)) << "redrawn at the end";
+        EXPECT_TRUE(Shows({.LastMove = {4, 4}})) << "redrawn at the end";
     }
 }
 
-TEST_F(AnimateMoveTest, MarksTheOriginAtOnceAndBothSquaresAtTheEnd) {
-    for (const Truth flipped : {False, True}) {
+TEST_F(AnimateMoveTest, MarksTheOriginAtOnceAndBothSquaresAtTheEndAndRewritesCastling) {
+    const struct {
+        MoveRec Given;
+        Truth Side, Flipped;
+        MoveRec Left;
+    } cases[] = {{MakeMove(7, 8, 6, 6), White, False, MakeMove(7, 8, 6, 6)},
+                 {MakeMove(2, 8, 3, 6), White, True, MakeMove(2, 8, 3, 6)},
+                 {MakeMove(5, 8, 0, 0, 1), White, False, MakeMove(5, 8, 7, 8, 1)},
+                 {MakeMove(5, 8, 0, 0, 2), White, True, MakeMove(5, 8, 3, 8, 2)},
+                 {MakeMove(5, 1, 0, 0, 1), Black, True, MakeMove(5, 1, 7, 1, 1)},
+                 {MakeMove(5, 1, 0, 0, 2), Black, False, MakeMove(5, 1, 3, 1, 2)}};
+    for (const auto& [given, side, flipped, left] : cases) {
+        SCOPED_TRACE(int{given.FromFile} * 10 + flipped);
+        state.CurPos = MakePosition(StartSquares, side);
         state.BoardFlipped = flipped;
-        state.LastMoveFile = state.LastMoveRow = 1;
-        controller.SelFile = controller.SelRow = 0;
+        const Square before = LastMove();
         int frames = 0;
-        desktop.BeforeProcess = [&] {
+        desktop.BeforeProcess = [&, left = left] {
             if (++frames != 2) return; // the first of the slide
-            EXPECT_EQ(controller.SelFile, 7);
-            EXPECT_EQ(controller.SelRow, 8);
-            EXPECT_EQ(state.LastMoveFile, 1);
+            EXPECT_EQ(Selected(), (Square{left.FromFile, left.FromRow}));
+            EXPECT_EQ(LastMove(), before);
         };
-        MoveRec move = MakeMove(7, 8, 6, 6);
-        Animate(move);
-        EXPECT_EQ((Square{controller.SelFile, controller.SelRow}), (Square{7, 8}));
-        EXPECT_EQ((Square{state.LastMoveFile, state.LastMoveRow}), (Square{6, 6}));
-        EXPECT_TRUE(move == MakeMove(7, 8, 6, 6));
-        EXPECT_GT(frames, 2);
-        desktop.BeforeProcess = nullptr;
+        MoveRec move = given;
+        EXPECT_EQ(Animate(move), 11) << "two squares";
+        EXPECT_TRUE(move == left);
+        EXPECT_EQ(Selected(), (Square{left.FromFile, left.FromRow}));
+        EXPECT_EQ(LastMove(), (Square{left.ToFile, left.ToRow}));
     }
+    desktop.BeforeProcess = nullptr;
+    const std::pair marks(Selected(), LastMove());
     MoveRec move = MakeMove(2, 8, 3, 6);
     Animate(move, True);
-    EXPECT_EQ((Square{controller.SelFile, controller.SelRow}), (Square{7, 8})) << "no marks asked for";
-    EXPECT_EQ((Square{state.LastMoveFile, state.LastMoveRow}), (Square{6, 6}));
+    EXPECT_EQ(std::pair(Selected(), LastMove()), marks) << "no marks asked for";
 }
 
-TEST_F(AnimateMoveTest, RewritesACastlingRecordToTheKingsMove) {
-    struct Case {
-        int Castle;
-        Truth Side, Flipped;
-        MoveRec Expected;
-    };
-    for (const Case& c :
-         {Case{1, White, False, MakeMove(5, 8, 7, 8, 1)}, Case{2, White, True, MakeMove(5, 8, 3, 8, 2)},
-          Case{1, Black, True, MakeMove(5, 1, 7, 1, 1)}, Case{2, Black, False, MakeMove(5, 1, 3, 1, 2)}}) {
-        state.CurPos = MakePosition(StartSquares, c.Side);
-        state.BoardFlipped = c.Flipped;
-        MoveRec move = MakeMove(5, c.Side == Black ? 1 : 8, 0, 0, c.Castle);
-        Animate(move);
-        EXPECT_TRUE(move == c.Expected) << c.Castle << " " << c.Side;
-        EXPECT_EQ(Steps(), 11) << "two squares";
-        EXPECT_EQ((Square{controller.SelFile, controller.SelRow}), (Square{5, c.Expected.FromRow}));
-        EXPECT_EQ((Square{state.LastMoveFile, state.LastMoveRow}), (Square{c.Expected.ToFile, c.Expected.ToRow}));
-    }
-}
-
-TEST_F(AnimateMoveTest, DoesNothingWithoutAWayOrAPiece) {
-    for (const Truth flipped : {False, True}) {
-        state.BoardFlipped = flipped;
-        for (const MoveRec& record :
-             {MakeMove(0, 0, 0, 0), MakeMove(5, 7, 5, 7), MakeMove(5, 5, 5, 4), MakeMove(0, 3, 2, 3)}) {
-            MoveRec move = record;
-            Animate(move);
-            EXPECT_EQ(Steps(), 0);
-            EXPECT_TRUE(move == record);
-            EXPECT_EQ(state.LastMoveFile, 0);
-            EXPECT_EQ(desktop.NowMs, firstTick);
-        }
-    }
-}
-
-TEST_F(AnimateMoveTest, EndsAtItsFirstFailureWithTheRedraw) {
+TEST_F(AnimateMoveTest, WithoutAWayOrAPieceNothingIsShownAndAFailureShowsTheRedrawAlone) {
     PieceAt(state.CurPos, 4, 4) = 17; // a code without an image
+    const std::pair<MoveRec, int> cases[] = {
+        {MakeMove(0, 0, 0, 0), 0}, {MakeMove(5, 7, 5, 7), 0},   {MakeMove(5, 5, 5, 4), 0}, {MakeMove(0, 3, 2, 3), 0},
+        {MakeMove(9, 1, 2, 1), 1}, {MakeMove(1, 200, 2, 1), 1}, {MakeMove(4, 4, 4, 5), 1}};
     for (const Truth flipped : {False, True}) {
         state.BoardFlipped = flipped;
-        for (const MoveRec& record : {MakeMove(9, 1, 2, 1), MakeMove(1, 200, 2, 1), MakeMove(4, 4, 4, 5)}) {
+        for (const auto& [record, frames] : cases) {
             MoveRec move = record;
-            Animate(move);
-            EXPECT_EQ(Steps(), 1) << int{record.FromFile};
+            EXPECT_EQ(Animate(move), frames) << int{record.FromFile};
             EXPECT_TRUE(move == record);
             EXPECT_EQ(state.LastMoveFile, 0);
         }
-        ExpectedFrame expected{state.CurPos, flipped};
-        expected.Selected = {4, 4};
-        EXPECT_TRUE(Shown() == expected.Draw(desktop));
+        EXPECT_TRUE(Shows({.Selected = {4, 4}}));
     }
-}
-
-TEST_F(AnimateMoveTest, SurvivesAnyRecord) {
     desktop.TickStepMs = 100000;
     for (std::uint32_t seed = 1; seed < 400; ++seed) {
         const std::uint32_t bits = seed * 2654435761U;
@@ -206,7 +160,7 @@ class MovePieceTest : public BoardFixture {
 
     // Picks up the piece on `square` with the pointer in its middle, as move input does.
     void Drag(Square square) {
-        const PixelPoint corner = ImageAt(square, state.BoardFlipped);
+        const PixelPoint corner = SquareCorner(square, state.BoardFlipped);
         controller.SelFile = static_cast<std::int16_t>(square.File);
         controller.SelRow = static_cast<std::int16_t>(square.Row);
         controller.FloatPiece = PieceAt(state.CurPos, square.File, square.Row);
@@ -215,40 +169,29 @@ class MovePieceTest : public BoardFixture {
         animation.MovePiece(PointerButton::Left, 0, static_cast<float>(corner.X + 20),
                             static_cast<float>(corner.Y + 20));
     }
-
-    ExpectedFrame Expected(Square origin, int pointerX, int pointerY) {
-        ExpectedFrame expected{state.CurPos, state.BoardFlipped};
-        expected.Selected = expected.Hidden = origin;
-        expected.Floating = PieceAt(state.CurPos, origin.File, origin.Row);
-        expected.At = {pointerX - 22, pointerY - 22};
-        return expected;
-    }
 };
 
 TEST_F(MovePieceTest, FollowsThePointerWithoutATrail) {
+    const Square g1{7, 8};
     for (const Truth flipped : {False, True}) {
         state.BoardFlipped = flipped;
         renderer.DrawCoordinates();
-        const Square origin{7, 8};
-        const PixelPoint start = ImageAt(origin, flipped);
-        PixelPoint pointer{start.X + 20, start.Y + 20};
+        PixelPoint pointer = SquareCorner(g1, flipped);
+        pointer = {pointer.X + 20, pointer.Y + 20};
         for (const PixelPoint& next :
-             {PixelPoint{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 365}, {120, 120}}) {
-            desktop.Script.push_back([this, origin, &pointer, next] {
-                EXPECT_TRUE(Shown() == Expected(origin, pointer.X, pointer.Y).Draw(desktop)) << "at " << pointer.X;
+             {PixelPoint{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 365}, {120, 120}, {0, 0}}) {
+            desktop.Script.push_back([this, g1, &pointer, next] {
+                ExpectedFrame expected{.Selected = g1, .Hidden = g1, .Floating = Knight};
+                expected.At = {pointer.X - 22, pointer.Y - 22};
+                EXPECT_TRUE(Shows(expected)) << "at " << pointer.X;
                 pointer = next;
                 desktop.Move(frmBoard, next.X, next.Y, PointerButton::Left);
+                if (next.X == 0) desktop.Release(frmBoard, 0, 0);
             });
         }
-        desktop.Script.push_back([this, origin] {
-            EXPECT_TRUE(Shown() == Expected(origin, 120, 120).Draw(desktop));
-            desktop.Release(frmBoard, 120, 120);
-        });
-        Drag(origin);
+        Drag(g1);
         EXPECT_TRUE(desktop.Script.empty());
-        ExpectedFrame dropped{state.CurPos, flipped};
-        dropped.Selected = origin;
-        EXPECT_TRUE(Shown() == dropped.Draw(desktop));
+        EXPECT_TRUE(Shows({.Selected = g1}));
     }
 }
 
@@ -266,33 +209,16 @@ TEST_F(MovePieceTest, SleepsWhileThePointerRestsAndNeverOnceThePieceIsDropped) {
     controller.DragLastX = 18 + 6 * 41 + 20;
     controller.DragLastY = 18 + 7 * 41 + 20;
     Drag({7, 8});
-    const std::vector<std::string> expected{
-        "present 366x366",
-        "process", // the board without the piece
-        "present 366x366",
-        "process",
-        "process", // the piece under the pointer
-        "wait",
-        "process", // rests, then moves
-        "present 366x366",
-        "process",
-        "process", // drawn there
-        "wait",
-        "process", // woken for nothing
-        "wait",
-        "process", // the drop
-        "present 366x366",
-        "process",
-    };
-    EXPECT_EQ(desktop.Log, expected);
-}
+    std::string log;
+    for (const std::string& entry : desktop.Log) log += entry.substr(0, entry.find(' ')) + " ";
+    // The board without the piece; the piece under the pointer; a rest and a move; woken for nothing; the drop.
+    EXPECT_EQ(log, "present process present process process wait process present process process wait process "
+                   "wait process present process ");
 
-TEST_F(MovePieceTest, EndsAtOnceWhenTheDropCameWithTheFirstFrame) {
+    desktop.Log.clear();
     desktop.Release(frmBoard, 10, 10);
-    desktop.LogEvents = true;
     Drag({2, 8});
-    EXPECT_EQ(desktop.Log, (std::vector<std::string>{"present 366x366", "process"}));
-    EXPECT_EQ(controller.DragX, 0) << "left as it was";
+    EXPECT_EQ(desktop.Log, (std::vector<std::string>{"present 366x366", "process"})) << "dropped in the first frame";
 }
 
 TEST_F(MovePieceTest, DragsACodeWithoutAnImageAsNothing) {
@@ -306,9 +232,7 @@ TEST_F(MovePieceTest, DragsACodeWithoutAnImageAsNothing) {
         if (controller.CurrentX > 32767 && ++passes == 3) desktop.Release(frmBoard, 0, 0);
     };
     Drag({3, 3});
-    ExpectedFrame expected{state.CurPos};
-    expected.Selected = {3, 3};
-    EXPECT_TRUE(Shown() == expected.Draw(desktop));
+    EXPECT_TRUE(Shows({.Selected = {3, 3}}));
 }
 
 } // namespace
