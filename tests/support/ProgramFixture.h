@@ -8,6 +8,7 @@
 #include "app/Program.h"
 #include "notation/PositionText.h"
 #include "platform/scripted/ScriptedDesktop.h"
+#include "support/LibraryRules.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,7 +85,15 @@ class ProgramTest : public testing::Test {
         };
         Start();
     }
+    /// The same with another position on the board.
+    void PlayFrom(Text fen, std::function<void()> body) {
+        Play([&, fen, body = std::move(body)] {
+            State().CurPos = PositionOf(fen);
+            body();
+        });
+    }
     void Start() {
+        Game.reset();
         Game = std::make_unique<Program>(Screen);
         Game->Run();
     }
@@ -130,6 +139,13 @@ class ProgramTest : public testing::Test {
         Screen.Click(item);
         return Engine.Pull();
     }
+    /// Chooses the item in the middle of what comes next, when events are processed for the given time.
+    void ChooseAtPass(int pass, MenuItem& item) {
+        passesToGo_ = pass;
+        Screen.BeforeProcess = [this, &item = item] {
+            if (--passesToGo_ == 0) Screen.Click(item);
+        };
+    }
     Lines ChooseMoves(int index) { return Choose(Game->Board.Moves.SubMovesMenu[static_cast<std::size_t>(index)]); }
 
     /// A user move given by its squares, answered by the engine; "" for an answer that does not come.
@@ -149,6 +165,9 @@ class ProgramTest : public testing::Test {
         const HistoryRow& cells = State().MoveText.at(row);
         return ToUtf8(cells[0] + u" " + cells[1] + u" " + cells[2]);
     }
+    std::pair<int, int> Selected() { return {Controller().SelFile, Controller().SelRow}; }
+    std::pair<int, int> LastMark() { return {State().LastMoveFile, State().LastMoveRow}; }
+    int FramesShown() { return Screen.Frames[&Window()].Count; }
     bool LowerLight() { return Game->Board.Status.Picture4[0].Visible; }
     bool UpperLight() { return Game->Board.Status.Picture4[1].Visible; }
     /// The state of the move controls: 'i'dle, 't'hinking, 's'topping, '?' anything else.
@@ -162,6 +181,9 @@ class ProgramTest : public testing::Test {
         if (look == "0000001 000001") return 't';
         return look == "0000000 000000" ? 's' : '?';
     }
+
+  private:
+    int passesToGo_ = 0;
 };
 
 } // namespace quarnel
