@@ -4,6 +4,8 @@
 namespace quarnel {
 namespace {
 
+using testing::Contains;
+
 class MainWindow : public ProgramTest {
   protected:
     // "Game(New Game as White, ...)", with marks: ^ shortcut, * checked, ! disabled.
@@ -35,14 +37,17 @@ TEST_F(MainWindow, OpensWithItsMenusAndItsTitle) {
                         "Level 10 - 10 sec), Ponder, Promote next pawn to(Knight, Bishop, Rook, Queen *))",
                         "Help", "HomePage"));
         EXPECT_EQ(Strip(), "Welcome");
-        EXPECT_TRUE(LowerLight());
-        EXPECT_FALSE(UpperLight());
+        EXPECT_TRUE(LowerLight() && !UpperLight());
         EXPECT_EQ(Screen.InnerSize(Window()), (Size{361, 362}));
+        DragMove("e2", "e4");
+        EXPECT_THAT(Window().OnDescribe(), Contains(testing::Field(&AccessibleItem::Name, u"e4, white pawn")));
     });
 }
 
-TEST_F(MainWindow, ShowsTheWelcomePanelUntilItsButtonIsReleased) {
+TEST_F(MainWindow, OpensTheHomePageAndShowsTheWelcomePanelUntilItsButtonIsReleased) {
     Play([&] {
+        Choose(Game->Board.hpg);
+        EXPECT_THAT(Screen.Log, Contains("address https://www.quarnel-chess.example/"));
         Control& panel = Game->Board.Picture1;
         EXPECT_FALSE(panel.Visible);
         Choose(Game->Board.hlp);
@@ -51,8 +56,7 @@ TEST_F(MainWindow, ShowsTheWelcomePanelUntilItsButtonIsReleased) {
         EXPECT_TRUE(text.starts_with("  Quarnel Chess is a freeware, first released in 2009. You can"));
         EXPECT_TRUE(text.ends_with("printing. \r\n  Good luck. Have a fun.\r\n\r\n" + std::string(28, ' ') +
                                    "The Quarnel Chess team"));
-        // The board is covered: a press on the panel does not reach it.
-        ClickSquare("e4");
+        ClickSquare("e4"); // covered by the panel
         Engine.Pull();
         EXPECT_EQ(Controller().PressFile, 0);
         Screen.Click(Game->Board.ctrl_SkinableButton1.pic_Button);
@@ -61,32 +65,19 @@ TEST_F(MainWindow, ShowsTheWelcomePanelUntilItsButtonIsReleased) {
     });
 }
 
-TEST_F(MainWindow, OpensTheHomePage) {
+TEST_F(MainWindow, ADamagedZoomKeepsTheDesignedWindowAndIndexesOutsideTheirTablesDoNothing) {
+    Screen.Settings["quarnel chess/settings/wsize"] = u"huge";
     Play([&] {
-        Choose(Game->Board.hpg);
-        EXPECT_THAT(Screen.Log, testing::Contains("address https://www.quarnel-chess.example/"));
-    });
-}
-
-TEST_F(MainWindow, IndexesOutsideTheirTablesDoNothing) {
-    Play([&] {
+        EXPECT_EQ(Screen.InnerSize(Window()), (Size{361, 362}));
+        for (const MenuItem& item : Game->Zoom.vw) EXPECT_FALSE(item.Checked);
         Game->MainWindow.poke_Click(6);
         Game->MainWindow.poke_Click(-1);
         Game->MainWindow.SubFileMenu_Click(2);
         Game->MainWindow.SubMovesMenu_Click(MovesSeparator);
         EXPECT_THAT(Engine.Pull(), testing::IsEmpty());
-        EXPECT_EQ(Controls(), 'i');
-    });
-}
-
-TEST_F(MainWindow, ADamagedZoomKeepsTheDesignedWindowWithItsToolbar) {
-    Screen.Settings["quarnel chess/settings/wsize"] = u"huge";
-    Play([&] {
-        EXPECT_EQ(Screen.InnerSize(Window()), (Size{361, 362}));
         EXPECT_EQ(Game->Board.Moves.poke[4].Left, 96);
         Screen.Click(Game->Board.Moves.poke[4]);
         EXPECT_EQ(Engine.Pull().back(), "go");
-        for (const MenuItem& item : Game->Zoom.vw) EXPECT_FALSE(item.Checked);
     });
 }
 
@@ -96,21 +87,10 @@ TEST_F(MainWindow, ChoicesSurviveARestart) {
         Choose(Game->Zoom.vw[2]);
         Choose(Game->Settings.pnd);
     });
-    Game.reset();
     Play([&] {
         EXPECT_THAT(StartLines, testing::IsSupersetOf({"ponder on", "skill 30 5"}));
         EXPECT_EQ(State().Zoom, 1.25F);
-        EXPECT_TRUE(Game->Zoom.vw[2].Checked);
-        EXPECT_TRUE(Game->Settings.pnd.Checked);
-    });
-}
-
-TEST_F(MainWindow, DescribesItsBoardToScreenReaders) {
-    Play([&] {
-        DragMove("e2", "e4");
-        const auto items = Window().OnDescribe();
-        ASSERT_EQ(items.size(), 64U);
-        EXPECT_THAT(items, testing::Contains(testing::Field(&AccessibleItem::Name, u"e4, white pawn")));
+        EXPECT_TRUE(Game->Zoom.vw[2].Checked && Game->Settings.pnd.Checked);
     });
 }
 
