@@ -42,12 +42,11 @@ class EngineBridgeTest : public EngineTest {
   protected:
     EngineBridgeTest() {
         SmallLibrary::Calls.clear();
-        Install();
+        Screen.Libraries[u"QuarnelChess"] = SmallLibrary::Exports();
         Screen.LogEvents = true;
         Window.AddMenu(Item);
         Item.OnClick = [this] { Commands.SendCommand(u"clicked"); };
     }
-    void Install() { Screen.Libraries[u"QuarnelChess"] = SmallLibrary::Exports(); }
     std::vector<std::string> Called() { return std::exchange(SmallLibrary::Calls, {}); }
 
     Form Window{"Window", FormBorder::Framed};
@@ -81,16 +80,15 @@ TEST_F(EngineBridgeTest, SleepsOnlyWhenTheEngineAllowsItAndTheProgramIsIdle) {
     }
 }
 
-TEST_F(EngineBridgeTest, HandsOverOneLineACallInOrder) {
+TEST_F(EngineBridgeTest, HandsOverOneLineACallInTheCodePageAndInOrder) {
     for (const TextView line : {u"new", u"setboard \u20AC\u010D", u"two\nlines"}) Commands.SendCommand(line);
     EXPECT_EQ(Commands.CommandCount, 3);
-    std::vector<std::vector<std::string>> calls;
-    for (int i = 0; i < 5; ++i) {
+    for (const char* line : {"new", "setboard \x80?", "two", "lines"}) {
         Bridge.InputCallback(0);
-        calls.push_back(Called());
+        EXPECT_THAT(Called(), ElementsAre(line));
     }
-    EXPECT_THAT(calls, ElementsAre(ElementsAre("new"), ElementsAre("setboard \x80?"), ElementsAre("two"),
-                                   ElementsAre("lines"), IsEmpty()));
+    Bridge.InputCallback(0);
+    EXPECT_THAT(Called(), IsEmpty());
     EXPECT_EQ(Commands.CommandCount, -1);
 }
 
@@ -100,59 +98,46 @@ TEST_F(EngineBridgeTest, TheEngineReachesTheProgramWhileItRuns) {
         output(7);
         output(-1);
     };
+    SmallLibrary::Said = "e4 \x80";
     std::vector<std::int32_t> lengths;
     const auto listen = [&](std::int32_t length) { lengths.push_back(length); };
-    Bridge.Run(listen);
-    EXPECT_THAT(lengths, IsEmpty()) << "started though the library was never found";
-
-    Library.Probe();
+    Text buffer(6, u' ');
     Commands.SendCommand(u"new");
     Bridge.Run(listen);
+    Library.FetchEngineOutput(buffer);
+    EXPECT_THAT(lengths, IsEmpty()) << "started though the library was never found";
+    EXPECT_EQ(buffer, Text(6, u' '));
+
+    Library.Probe();
+    EXPECT_FALSE(Screen.ReleaseLibrary(Library.EngineLib)) << "the probe keeps the handle, not the library";
+    Bridge.Run(listen);
+    Library.FetchEngineOutput(buffer);
     EXPECT_THAT(lengths, ElementsAre(7, -1));
     EXPECT_THAT(Called(), ElementsAre("new"));
     EXPECT_THAT(Screen.Log, ElementsAre("peek"));
-}
-
-TEST_F(EngineBridgeTest, TheProbeKeepsTheHandleAndNotTheLibrary) {
-    Library.Probe();
-    EXPECT_NE(Library.EngineLib, 0);
-    EXPECT_FALSE(Screen.ReleaseLibrary(Library.EngineLib));
-    Screen.Libraries.clear();
-    Library.Probe();
-    EXPECT_EQ(Library.EngineLib, 0);
+    EXPECT_EQ(buffer, Text(u"e4 \u20AC\0 ", 6));
 }
 
 TEST_F(EngineBridgeTest, RulesAreAskedByAByteAndBy32BitsAsSoonAsTheLibraryIsThere) {
-    MoveList list{};
-    Truth attacked = False;
+    const MoveRec move{6, 0, 0, 0, 0, 0, 0, 0};
     Position position{};
-    Screen.Libraries.clear();
+    const auto exports = std::exchange(Screen.Libraries, {});
+    MoveList list{};
     EXPECT_FALSE(Library.GetMove(position, White, list));
-    EXPECT_FALSE(Library.MakeMove(position, MoveRec{6, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_FALSE(Library.KingAttacked(position, White, attacked));
-    EXPECT_EQ(position.EpFile + list.Count + attacked, 0);
+    EXPECT_EQ(IsKingAttacked(Library, position, White), False);
+    EXPECT_FALSE(Library.MakeMove(position, move));
     Commands.SendCommand(u"lost");
     Bridge.InputCallback(0);
     EXPECT_EQ(Commands.CommandCount, 0);
 
-    Install();
+    Screen.Libraries = exports;
     for (const Truth side : {White, Black}) {
         EXPECT_EQ(GenerateMoves(Library, position, side).Count, 1);
         EXPECT_EQ(IsKingAttacked(Library, position, side), True);
     }
     EXPECT_THAT(Called(), ElementsAre("moves of 0", "king of 0", "moves of 1", "king of -1"));
-    EXPECT_TRUE(Library.MakeMove(position, MoveRec{6, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_TRUE(Library.MakeMove(position, move));
     EXPECT_EQ(position.EpFile, 6);
-}
-
-TEST_F(EngineBridgeTest, AnOutputTextIsFetchedInTheCodePage) {
-    SmallLibrary::Said = "e4 \x80";
-    Text buffer(6, u' ');
-    Library.FetchEngineOutput(buffer);
-    EXPECT_EQ(buffer, Text(6, u' ')) << "fetched though the library was never found";
-    Library.Probe();
-    Library.FetchEngineOutput(buffer);
-    EXPECT_EQ(buffer, Text(u"e4 \u20AC\0 ", 6));
 }
 
 } // namespace

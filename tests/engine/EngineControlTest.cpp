@@ -1,84 +1,31 @@
+// What the lines of a whole game do not reach: levels off the menu, a search without moves, abandoning.
 #include "EngineFixture.h"
 
 namespace quarnel {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-class EngineControlTest : public EngineTest {
-  protected:
-    EngineControlTest() {
-        State.CurPos = PositionOf(u"4k3/8/8/8/8/5N2/8/4K3 b - - 0 1");
-        State.PlyNow = 17;
-        Control.SetIdleState();
-    }
-};
-
-TEST_F(EngineControlTest, StatesOfTheMoveControls) {
-    EXPECT_EQ(Looks(), IdleLooks);
-    Controls.DisableMoveControls();
-    EXPECT_EQ(Looks(), NothingLooks);
-    EXPECT_EQ(State.Thinking, False);
-    Control.SetThinkingState();
-    EXPECT_EQ(Looks(), ThinkingLooks);
-    EXPECT_EQ(State.Thinking, True);
-    Control.SendForce();
-    EXPECT_EQ(Looks(), NothingLooks);
-    EXPECT_EQ(State.Thinking, True);
-    EXPECT_EQ(State.StopRequested, True);
-    Control.SetIdleState();
-    EXPECT_EQ(Looks(), IdleLooks);
-    EXPECT_EQ(State.Thinking, False);
-    EXPECT_EQ(State.StopRequested, False);
-}
-
-TEST_F(EngineControlTest, AStalePositionGoesBeforeTheSearchAndOnlyOnce) {
-    Control.MarkResync();
-    Control.StartEngineMove();
-    EXPECT_THAT(Sent(),
-                ElementsAre(u"setboard 4k3/8/8/8/8/5N2/8/4K3 b - - 0 1", u"black", u"movenumber 17", u"sync", u"go"));
-    EXPECT_EQ(State.ResyncEngine, False);
-    EXPECT_EQ(State.DiscardNextMove, False);
-    EXPECT_EQ(Looks(), ThinkingLooks);
-    EXPECT_EQ(State.Thinking, True);
-    Control.SetIdleState();
-    Control.StartEngineMove();
-    EXPECT_THAT(Sent(), ElementsAre(u"sync", u"go"));
-}
+using EngineControlTest = EngineTest;
 
 TEST_F(EngineControlTest, WithoutLegalMovesOrRulesNoSearchStarts) {
     ListedRules missing;
     missing.Missing = true;
     EngineControl without(State, Commands, Settings, Controls, missing);
+    Control.SetIdleState();
     State.ResyncEngine = True;
     without.StartEngineMove();
     for (const char16_t* fen : {u"7k/5Q2/6K1/8/8/8/8/8 b - - 0 1", u"7k/6Q1/6K1/8/8/8/8/8 b - - 0 1"}) {
         State.CurPos = PositionOf(fen);
         Control.StartEngineMove();
     }
-    EXPECT_THAT(Sent(), IsEmpty());
-    EXPECT_EQ(Looks(), IdleLooks);
+    EXPECT_THAT(Sent(), testing::IsEmpty());
+    EXPECT_TRUE(Controls.MoveNowEnabled());
     EXPECT_EQ(State.Thinking, False);
     EXPECT_EQ(State.ResyncEngine, True);
 }
 
-TEST_F(EngineControlTest, ForceIsSentOnceASearch) {
-    Control.SendForce();
-    EXPECT_THAT(Sent(), IsEmpty());
-    EXPECT_EQ(State.StopRequested, False);
-    for (int search = 0; search < 2; ++search) {
-        Think();
-        Control.SendForce();
-        Control.SendForce();
-        EXPECT_THAT(Sent(), ElementsAre(u"force"));
-        EXPECT_EQ(State.DiscardNextMove, False);
-        Control.SetIdleState();
-    }
-}
-
-// Whatever makes the running search useless stops it and has its move dropped; it stays the running one.
+// Whatever makes the running search useless stops it once and has its move dropped; it stays the running one.
 TEST_F(EngineControlTest, ASearchMadeUselessIsAbandoned) {
+    State.PlyNow = 17;
     Settings.cs_Click(2);
     Sent();
     const struct {
@@ -87,28 +34,58 @@ TEST_F(EngineControlTest, ASearchMadeUselessIsAbandoned) {
         Truth Resync;
     } cases[] = {{[this] { Control.SendNewGame(); }, {u"new", u"skill 30 5"}, False},
                  {[this] { Control.MarkResync(); }, {}, True},
-                 {[this] { Control.SendPosition(PositionOf(u"4k3/8/8/8/4P3/8/8/4K3 w - e3 0 1")); },
-                  {u"setboard 4k3/8/8/8/4P3/8/8/4K3 w - e6 0 1", u"white", u"movenumber 17"},
+                 {[this] { Control.SendPosition(PositionOf(u"4k3/8/8/8/4P3/8/8/4K3 b - e3 0 1")); },
+                  {u"setboard 4k3/8/8/8/4P3/8/8/4K3 b - e3 0 1", u"black", u"movenumber 17"},
                   False}};
     for (const auto& [act, sent, resync] : cases) {
+        Control.SetIdleState();
+        State.DiscardNextMove = State.ResyncEngine = False;
         act();
         EXPECT_EQ(Sent(), sent);
         EXPECT_EQ(State.ResyncEngine, resync);
         EXPECT_EQ(State.DiscardNextMove, False);
 
-        Think();
+        Control.SetThinkingState();
         act();
         Lines forced = sent;
         forced.insert(forced.begin(), u"force");
         EXPECT_EQ(Sent(), forced);
         EXPECT_EQ(State.DiscardNextMove, True);
         EXPECT_EQ(State.Thinking, True);
-
         act();
         EXPECT_EQ(Sent(), sent) << "a second force";
-        Control.SetIdleState();
-        State.DiscardNextMove = False;
-        State.ResyncEngine = False;
+    }
+}
+
+// A level that the menu lacks checks nothing and keeps what it does not decide; one that is no number does nothing.
+TEST_F(EngineControlTest, TheSavedLevelIsCheckedAndSent) {
+    const struct {
+        Text Saved, Line;
+        int Checked;
+    } cases[] = {{u"0", u"skill 10 5", 0},
+                 {u"1", u"skill 20 5", 1},
+                 {u" 2 ", u"skill 30 5", 2},
+                 {u"3", u"skill 50 5", 3},
+                 {u"4", u"skill 75 5", 4},
+                 {u"5", u"skill 100 5", 5},
+                 {u"6", u"skill 100 10", 6},
+                 {u"7", u"skill 100 30", 7},
+                 {u"8", u"skill 100 50", 8},
+                 {u"9", u"skill 100 100", 9},
+                 {u"12", u"skill 100 100", -1},
+                 {u"4", u"skill 75 5", 4},
+                 {u"-1", u"skill 75 5", -1},
+                 {u"9", u"skill 100 100", 9},
+                 {u"-1", u"skill 100 5", -1},
+                 {u"3", u"skill 50 5", 3},
+                 {u"3.x", u"", 3},
+                 {u"70000", u"", 3}};
+    for (const auto& [saved, line, checked] : cases) {
+        SCOPED_TRACE(ToUtf8(saved));
+        Screen.Settings["quarnel chess/settings/level"] = saved;
+        Settings.SetSavedLevel();
+        EXPECT_EQ(Sent(), line.empty() ? Lines() : Lines{line});
+        for (int i = 0; i < 10; ++i) EXPECT_EQ(Settings.cs[static_cast<std::size_t>(i)].Checked.Get(), i == checked);
     }
 }
 
