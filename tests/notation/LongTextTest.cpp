@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
+
 namespace quarnel::notation {
 namespace {
 
@@ -15,27 +18,21 @@ const Position Occupied = PositionOf(u"4k3/8/3n4/3pP3/8/8/8/4K3 w - - 0 1");
 // The record's eight bytes in hexadecimal, a digit each.
 std::string Bytes(const MoveRec& move) {
     std::string digits;
-    for (const int byte : {move.FromFile, move.FromRow, move.ToFile, move.ToRow, move.Castle, move.Promote,
-                           move.EpCapFile, move.EpCapRow}) {
+    for (const std::uint8_t byte : std::bit_cast<std::array<std::uint8_t, 8>>(move)) {
         digits += byte < 16 ? "0123456789abcdef"[byte] : '!';
     }
     return digits;
 }
 
 TEST(LongText, TextsBecomeRecords) {
-    const struct {
-        const Position& Before;
-        Text Written;
-        std::string Record;
-    } cases[] = {
+    const std::tuple<const Position&, Text, std::string> cases[] = {
         {WhiteToMove, u"e2-e4", "57550000"},   {WhiteToMove, u"e5xd6", "54430044"},
         {Occupied, u"e5xd6", "54430000"},      {WhiteToMove, u"e5-d6", "54430000"},
         {BlackToMove, u"d4xe3", "45560055"},   {WhiteToMove, u"e7-e8=Q", "52510500"},
         {BlackToMove, u"a2-a1=N", "17180800"}, {WhiteToMove, u"e7-e8=q", "52510000"},
         {WhiteToMove, u"e7-e8 Q", "52510000"}, {WhiteToMove, u"o-o", "58001000"},
         {WhiteToMove, u"0-0-0", "58002000"},   {BlackToMove, u"0-0", "51001000"},
-        {BlackToMove, u"o-o-o", "51002000"},   {WhiteToMove, u"a3xb4", "16250020"} // on no rank of a capture in passing
-    };
+        {BlackToMove, u"o-o-o", "51002000"},   {WhiteToMove, u"a3xb4", "16250020"}}; // no rank of a capture in passing
     for (const auto& [before, written, record] : cases) {
         EXPECT_EQ(Bytes(LongTextToMove(before, written)), record) << ToUtf8(written);
     }

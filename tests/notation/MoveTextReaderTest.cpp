@@ -83,27 +83,23 @@ TEST_F(MoveTextReaderTest, APieceIsFoundByItsOrigin) {
 }
 
 TEST_F(MoveTextReaderTest, TheOrderOfTheListDecidesBetweenMovesThatFit) {
-    ListedRules rules;
-    MoveTextReader reader(rules);
-    const auto reads = [&](const Text& fen, const Text& text, Truth side, const MoveRec& first, const MoveRec& second) {
-        rules.List = {first, second};
-        return reader.SanToLongText(PositionOf(fen), text, side);
-    };
-    const MoveRec knightB{2, 8, 4, 7, 0, 0, 0, 0};
-    const MoveRec knightF{6, 6, 4, 7, 0, 0, 0, 0};
-    EXPECT_EQ(reads(Knights, u"Nd2", White, knightB, knightF), u"b1-d2");
-    EXPECT_EQ(reads(Knights, u"Nd2", White, knightF, knightB), u"f3-d2");
-
     const Text doubled = u"k7/3p4/4P3/3p4/4P3/8/8/K7 w - - 0 1";
-    const MoveRec low{5, 5, 4, 4, 0, 0, 0, 0};
-    const MoveRec high{5, 3, 4, 2, 0, 0, 0, 0};
-    EXPECT_EQ(reads(doubled, u"ed", White, low, high), u"e6xd7");
-    EXPECT_EQ(reads(doubled, u"ed", White, high, low), u"e4xd5");
-
-    const MoveRec toQueen{2, 7, 1, 8, 0, 11, 0, 0};
-    const MoveRec toKnight{2, 7, 1, 8, 0, 8, 0, 0};
-    EXPECT_EQ(reads(BlackPromotes, u"ba", Black, toQueen, toKnight), u"b2xa1=Q");
-    EXPECT_EQ(reads(BlackPromotes, u"ba", Black, toKnight, toQueen), u"b2xa1=N");
+    const struct {
+        Text Fen, Written;
+        MoveRec A, B;
+        Text Read, ReadSwapped;
+    } cases[] = {{Knights, u"Nd2", {2, 8, 4, 7, 0, 0, 0, 0}, {6, 6, 4, 7, 0, 0, 0, 0}, u"b1-d2", u"f3-d2"},
+                 {doubled, u"ed", {5, 5, 4, 4, 0, 0, 0, 0}, {5, 3, 4, 2, 0, 0, 0, 0}, u"e6xd7", u"e4xd5"},
+                 {BlackPromotes, u"ba", {2, 7, 1, 8, 0, 11, 0, 0}, {2, 7, 1, 8, 0, 8, 0, 0}, u"b2xa1=Q", u"b2xa1=N"}};
+    for (const auto& c : cases) {
+        ListedRules rules;
+        MoveTextReader reader(rules);
+        const Position position = PositionOf(c.Fen);
+        rules.List = {c.A, c.B};
+        EXPECT_EQ(reader.SanToLongText(position, c.Written, position.SideToMove), c.Read);
+        rules.List = {c.B, c.A};
+        EXPECT_EQ(reader.SanToLongText(position, c.Written, position.SideToMove), c.ReadSwapped);
+    }
 }
 
 TEST_F(MoveTextReaderTest, AFaultGivesTheTextBackAsFarAsItWasRead) {
@@ -112,8 +108,7 @@ TEST_F(MoveTextReaderTest, AFaultGivesTheTextBackAsFarAsItWasRead) {
     const struct {
         quarnel::Rules& Service;
         const Text& Fen;
-        Text Written;
-        Text Left;
+        Text Written, Left;
     } cases[] = {{Rules, Knights, u"!!", u"!!"},         {Rules, Knights, u"+-+", u"+-+"},
                  {Rules, Knights, u"e9?!", u"e9"},       {Rules, Queens, u"e0", u"e0"},
                  {Rules, Knights, u"Nxf3e9!", u"Nf3e9"}, {Rules, Knights, u"e:dQ", u"exd"},
@@ -128,19 +123,14 @@ TEST_F(MoveTextReaderTest, AFaultGivesTheTextBackAsFarAsItWasRead) {
     }
 }
 
-TEST_F(MoveTextReaderTest, ResultsPassThroughAndAnUnfinishedGameDoesNot) {
+TEST_F(MoveTextReaderTest, ResultsPassThroughAndASideThatIsNeitherReadsOnlyThemAndCastling) {
     const Position position = PositionOf(Castles);
-    for (const TextView text : {u"1-0", u"0-1", u"1/2-1/2", u"1/2", u"\u02DD-\u02DD", u"-"}) {
-        EXPECT_EQ(Reader.SanToLongText(position, text, White), text);
+    for (const TextView text : {u"1-0", u"1/2-1/2", u"\u02DD-\u02DD", u"-"}) {
+        EXPECT_EQ(Reader.SanToLongText(position, text, 1), text);
         EXPECT_TRUE(IsSameMove(Reader.SanToMoveRec(position, text, White), ResultToMoveRec(text)));
     }
     Reads(Castles, "*>");
-}
-
-TEST_F(MoveTextReaderTest, ASideThatIsNeitherReadsOnlyCastlingAndResults) {
-    const Position position = PositionOf(Castles);
     EXPECT_EQ(Reader.SanToLongText(position, u"O-O", 1), u"o-o");
-    EXPECT_EQ(Reader.SanToLongText(position, u"1-0", 1), u"1-0");
     EXPECT_EQ(Reader.SanToLongText(position, u"Kf1", 1), u"");
     EXPECT_EQ(Reader.MoveTextError, 0);
 }

@@ -13,19 +13,6 @@ namespace {
 
 using namespace std::literals;
 
-TEST(PositionText, TheStartPositionBothWays) {
-    Text text(StandardStart);
-    Position position{};
-    FenToPosition(text, position);
-    EXPECT_EQ(text, StandardStart);
-    EXPECT_EQ(PositionToFen(position), StandardStart);
-    EXPECT_EQ(PieceAt(position, 1, 8), Rook);
-    EXPECT_EQ(PieceAt(position, 5, 7), Pawn);
-    EXPECT_EQ(PieceAt(position, 5, 1), King + BlackOffset);
-    EXPECT_EQ(PieceAt(position, 4, 2), Pawn + BlackOffset);
-    EXPECT_EQ(position.SideToMove, White);
-}
-
 // What a text reads as, written again; and whether the text itself becomes that.
 void Reads(const Text& given, const Text& written, bool rewritten = false) {
     Text text = given;
@@ -39,7 +26,16 @@ void Reads(const Text& given, const Text& written, bool rewritten = false) {
 const Text Empty = u"8/8/8/8/8/8/8/8 ";
 const Text TopLeft = u"P7/8/8/8/8/8/8/8 ";
 
+TEST(PositionText, TheBoardIsReadFromA8ByRows) {
+    const Position position = PositionOf(u"8/8/n3P3/8/8/8/8/R7 b - - 0 1");
+    EXPECT_EQ(PieceAt(position, 1, 8), Rook);
+    EXPECT_EQ(PieceAt(position, 5, 3), Pawn);
+    EXPECT_EQ(PieceAt(position, 1, 3), Knight + BlackOffset);
+    EXPECT_EQ(position.SideToMove, Black);
+}
+
 TEST(PositionText, PlacementIsReadAsFarAsSixtyFourSquares) {
+    Reads(Text(StandardStart), Text(StandardStart));
     Reads(u"88888888 w - - 0 1", Empty + u"w - - 0 1");
     Reads(u"9P07/8/8/8/8/8/8/8 w K - 0 1", TopLeft + u"w K - 0 1");
     Reads(u" P.7 x//8/8/8/8/8/8/8 w K - 0 1", TopLeft + u"w K - 0 1");
