@@ -142,7 +142,7 @@ SmoothWeights Tune(TrainingData& data, const SmoothWeights& start, double k, con
             best = weights;
             waited = 0;
         } else if (++waited >= options.Patience) {
-            if (++halvings > 2) break;
+            if (++halvings > options.Halvings) break;
             weights = best;
             rate /= 2;
             waited = 0;

@@ -13,11 +13,12 @@
 namespace quarnel::tuning {
 
 struct TunerOptions {
-    double SearchShare = 0.5; // of the search's value in the target; the result has the rest
-    double Pull = 30;         // as strong as this many positions whose value hangs on the weight
+    double SearchShare = 0.7; // of the search's value in the target; the result has the rest
+    double Pull = 300;        // as strong as this many positions whose value hangs on the weight
     double StepCp = 1.0;      // the most that a weight moves in a batch, at first
     int Epochs = 60;
-    int Patience = 6; // epochs without a better held-out loss before the step is halved; twice, then it ends
+    int Patience = 2; // epochs without a better held-out loss before the step is halved
+    int Halvings = 5; // of the step; after the last one the fit ends instead
     std::size_t Batch = 16384;
     int Threads = 2;
     std::uint64_t Seed = 1;
