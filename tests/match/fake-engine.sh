@@ -1,0 +1,26 @@
+#!/bin/sh
+# An engine whose every answer is written down in its arguments, one for each ply of the game: a move,
+# with its score in centipawns behind a colon if it gives one, or "crash", or "hang".
+script="$*"
+plies=0
+while read -r command rest; do
+    case $command in
+    uci) echo uciok ;;
+    isready) echo readyok ;;
+    position)
+        set -- $rest
+        plies=$(($# > 2 ? $# - 2 : 0))
+        ;;
+    go)
+        set -- $script
+        shift $plies
+        case $1 in
+        crash) exit 3 ;;
+        hang) exec sleep 1000 ;;
+        *:*) echo "info depth 1 score cp ${1#*:} pv ${1%:*}" ;;
+        esac
+        echo "bestmove ${1%:*}"
+        ;;
+    quit) exit ;;
+    esac
+done

@@ -1,0 +1,98 @@
+#include "Ladder.h"
+
+#include <cmath>
+#include <iterator>
+#include <sstream>
+
+namespace quarnel::match {
+namespace {
+
+// Far more than the work of any such level takes.
+constexpr int GenerousMoveTimeMs = 10000;
+
+std::string PlayerName(int level) {
+    return "level-" + std::to_string(level);
+}
+
+PlayerSpec LevelPlayer(int level, const LadderSpec& spec) {
+    const Level& settings = Levels[level - 1];
+    PlayerSpec player;
+    player.Name = PlayerName(level);
+    player.Command = spec.Command;
+    player.Options = {{"Hash", std::to_string(spec.HashMb)}, {"Skill", std::to_string(settings.Skill)}};
+    const int shortTimeMs = std::max(1, settings.Tenths * 100 / spec.TimeDivisor);
+    player.PerMove = {Limit::Kind::MoveTimeMs, settings.DependsOnTime() ? shortTimeMs : GenerousMoveTimeMs};
+    return player;
+}
+
+Goal GoalOf(int level) {
+    if (level <= 5) return {0.65, 0.95, false};
+    if (level == 6) return {0.8, 1, false};
+    return {0, 1, true};
+}
+
+Rung MakeRung(const std::string& name, const PlayerSpec& upper, const PlayerSpec& lower, Goal goal,
+              const LadderSpec& spec) {
+    Rung rung;
+    rung.Name = name;
+    rung.Spec.Players[0] = upper;
+    rung.Spec.Players[1] = lower;
+    rung.Spec.Games = spec.Games;
+    rung.Spec.Concurrency = spec.Concurrency;
+    rung.Spec.Opening.Seed = spec.Seed;
+    if (!spec.Folder.empty()) rung.Spec.JournalPath = spec.Folder + "/rung-" + name + ".txt";
+    rung.Target = goal;
+    return rung;
+}
+
+std::string Percent(double share) {
+    return std::to_string(std::lround(100 * share)) + " %";
+}
+
+} // namespace
+
+const char* const TableHead =
+    "| player | against | games | wins | draws | losses | score | 95 % interval | goal | holds |\n"
+    "|---|---|---|---|---|---|---|---|---|---|\n";
+
+std::string Goal::Text() const {
+    if (AboveHalf) return "more than 50 %";
+    if (High == 1) return "at least " + Percent(Low);
+    return Percent(Low) + " to " + Percent(High);
+}
+
+std::vector<Rung> MakeRungs(const LadderSpec& spec) {
+    std::vector<Rung> rungs;
+    for (const auto& [name, goal] : {std::pair{"random", Goal{0.9, 1, false}}, {"grabber", Goal{0.2, 0.8, false}}}) {
+        PlayerSpec simple;
+        simple.Name = name;
+        simple.Command = std::string("builtin:") + name;
+        rungs.push_back(MakeRung(name, LevelPlayer(1, spec), simple, goal, spec));
+    }
+    for (int level = 2; level <= static_cast<int>(std::size(Levels)); ++level) {
+        const PlayerSpec lower = LevelPlayer(level - 1, spec);
+        rungs.push_back(MakeRung(std::to_string(level), LevelPlayer(level, spec), lower, GoalOf(level), spec));
+        // A weak player's score says little about who wins.
+        rungs.back().Spec.Adjudication.Enabled = Levels[level - 2].DependsOnTime();
+    }
+    return rungs;
+}
+
+std::string TableRow(const Rung& rung, const Tally& tally) {
+    const ScoreEstimate score = EstimateScore(tally.Pairs);
+    const bool holds = rung.Target.Holds(score.Score);
+    const bool certain = rung.Target.Holds(score.Low) == holds && rung.Target.Holds(score.High) == holds;
+    std::ostringstream text;
+    text.setf(std::ios::fixed);
+    text.precision(1);
+    text << "| " << rung.Spec.Players[0].Name << " | " << rung.Spec.Players[1].Name << " | " << tally.Games() << " | "
+         << tally.Wins << " | " << tally.Draws << " | " << tally.Losses << " | ";
+    if (tally.Games() == 0)
+        text << "| | " << rung.Target.Text() << " | not played |\n";
+    else
+        text << 100 * score.Score << " % | " << 100 * score.Low << " to " << 100 * score.High << " % | "
+             << rung.Target.Text() << " | " << (holds ? "yes" : "no") << (certain ? "" : ", not certain") << " |\n";
+    return text.str();
+}
+
+} // namespace quarnel::match

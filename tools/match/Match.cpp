@@ -1,0 +1,203 @@
+#include "Match.h"
+
+#include "quarnelchess/San.h"
+#include "quarnelchess/Text.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace quarnel::match {
+namespace {
+
+/// A number that changes with the file's bytes (FNV-1a), so that a journal does not mix two builds of one
+/// program; empty when the command's first word is no file.
+std::string Fingerprint(const std::string& command) {
+    std::ifstream file(command.substr(0, command.find(' ')), std::ios::binary);
+    std::uint64_t hash = 0xCBF29CE484222325ULL;
+    char chunk[65536];
+    if (!file) return {};
+    while (file.read(chunk, sizeof chunk) || file.gcount() > 0)
+        for (std::streamsize i = 0; i < file.gcount(); ++i)
+            hash = (hash ^ static_cast<unsigned char>(chunk[i])) * 0x100000001B3ULL;
+    std::ostringstream text;
+    text << ", build " << std::hex << hash;
+    return text.str();
+}
+
+std::string Describe(const PlayerSpec& player) {
+    constexpr const char* kinds[] = {"", ", nodes=", ", movetime=", ", depth="};
+    std::string text = player.Name + ": " + player.Command;
+    if (player.PerMove.What != Limit::Kind::None)
+        text += kinds[static_cast<std::size_t>(player.PerMove.What)] + std::to_string(player.PerMove.Value);
+    for (const auto& [name, value] : player.Options) text.append(", ").append(name).append("=").append(value);
+    return text + (player.IsBuiltin() ? "" : Fingerprint(player.Command));
+}
+
+/// What two runs must share for their games to count together; one line each.
+std::string Settings(const MatchSpec& spec) {
+    std::ostringstream text;
+    text << "first player " << Describe(spec.Players[0]) << "\nsecond player " << Describe(spec.Players[1])
+         << "\nopenings: seed " << spec.Opening.Seed << ", plies " << spec.Opening.Plies << ", balance "
+         << spec.Opening.BalanceCp << "\n";
+    const AdjudicationRules& rules = spec.Adjudication;
+    if (rules.Enabled)
+        text << "adjudication: win " << rules.WinCp << " cp for " << rules.WinMoves << " moves, draw " << rules.DrawCp
+             << " cp for " << rules.DrawMoves << " moves after move " << rules.DrawFromMove << "\n";
+    text << "longest game: " << rules.MaxPlies << " plies\n";
+    return text.str();
+}
+
+std::string MoveTextPgn(const Game& game) {
+    std::ostringstream text;
+    Board board = Board::Start();
+    std::size_t column = 0;
+    int ply = 0;
+    for (const Move move : game.Moves()) {
+        std::string word = board.SideToMove() == engine::White ? std::to_string(ply / 2 + 1) + ". " : "";
+        word += engine::WriteSan(board, move);
+        board.Make(move);
+        if (board.InCheck()) word += engine::CountMoves(board) == 0 ? '#' : '+';
+        ++ply;
+        column += word.size() + 1;
+        if (column > 90) {
+            text << '\n';
+            column = word.size() + 1;
+        }
+        text << word << ' ';
+    }
+    return text.str();
+}
+
+} // namespace
+
+Match::Match(MatchSpec spec, const std::atomic<bool>& stop)
+    : spec_(std::move(spec)), stop_(stop), names_{spec_.Players[0].Name, spec_.Players[1].Name},
+      journal_(spec_.JournalPath, spec_.JournalPath.empty() ? "" : Settings(spec_), names_),
+      played_(static_cast<std::size_t>(spec_.Games)) {
+    for (const GameResult& result : journal_.Earlier()) {
+        openings_[result.Pair] = result.Opening;
+        Count(result);
+    }
+}
+
+void Match::Run(const Progress& progress) {
+    std::vector<std::thread> workers;
+    workers.reserve(static_cast<std::size_t>(spec_.Concurrency));
+    for (int i = 0; i < spec_.Concurrency; ++i) workers.emplace_back([this, &progress] { Work(progress); });
+    for (std::thread& worker : workers) worker.join();
+    if (failure_) std::rethrow_exception(failure_);
+}
+
+void Match::Work(const Progress& progress) {
+    try {
+        std::optional<int> pair = NextPair();
+        if (!pair) return;
+        Openings openings(spec_.Opening);
+        const std::unique_ptr<Player> first = MakePlayer(spec_.Players[0], stop_);
+        const std::unique_ptr<Player> second = MakePlayer(spec_.Players[1], stop_);
+        for (; pair; pair = NextPair()) PlayPair(*pair, openings, *first, *second, progress);
+    } catch (const Interrupted&) {
+        return; // the journal holds what is finished
+    } catch (...) {
+        const std::lock_guard lock(mutex_);
+        if (!failure_) failure_ = std::current_exception();
+    }
+}
+
+std::optional<int> Match::NextPair() {
+    const std::lock_guard lock(mutex_);
+    if (failure_ || verdict_ != Verdict::Undecided || stop_.load(std::memory_order_relaxed)) return std::nullopt;
+    while (2 * nextPair_ < spec_.Games && IsPlayed(nextPair_, 0) && IsPlayed(nextPair_, 1)) ++nextPair_;
+    if (2 * nextPair_ >= spec_.Games) return std::nullopt;
+    return nextPair_++;
+}
+
+void Match::PlayPair(int pair, Openings& openings, Player& first, Player& second, const Progress& progress) {
+    const Game opening = OpeningOf(pair, openings);
+    for (int leg = 0; leg < 2; ++leg) {
+        {
+            const std::lock_guard lock(mutex_);
+            if (IsPlayed(pair, leg)) continue;
+        }
+        Game game = opening;
+        std::string faultText;
+        const std::uint64_t seed = Scramble(Scramble(spec_.Opening.Seed + 1) + GameIndex(pair, leg));
+        const Outcome outcome = PlayGame(leg == 0 ? first : second, leg == 0 ? second : first, spec_.Adjudication, seed,
+                                         stop_, game, faultText);
+        const int points = leg == 0 ? outcome.WhiteHalfPoints : 2 - outcome.WhiteHalfPoints;
+        const GameResult result{pair, leg, points, outcome.How, game.Plies(), opening.MovesText()};
+
+        const std::lock_guard lock(mutex_);
+        if (!spec_.PgnPath.empty()) WritePgn(result, game, faultText);
+        journal_.Append(result);
+        Count(result);
+        if (progress) progress(*this, result);
+    }
+}
+
+Game Match::OpeningOf(int pair, Openings& openings) const {
+    const auto found = openings_.find(pair);
+    if (found == openings_.end()) return openings.Opening(pair);
+    Game game;
+    std::string_view rest = found->second;
+    for (std::string_view word = engine::NextWord(rest); !word.empty(); word = engine::NextWord(rest)) {
+        const Move move = FindMove(game.Position(), word);
+        if (!move) throw std::runtime_error("The journal holds an opening that is not legal:" + found->second);
+        game.Play(move);
+    }
+    return game;
+}
+
+void Match::Count(const GameResult& result) {
+    const std::size_t index = GameIndex(result.Pair, result.Leg);
+    if (index >= played_.size()) played_.resize(index + 1);
+    if (played_[index]) return;
+    played_[index] = true;
+    const bool completesPair = tally_.Add(result);
+    if (spec_.Test && completesPair && verdict_ == Verdict::Undecided)
+        verdict_ = JudgeRatio(LogLikelihoodRatio(tally_.Pairs, spec_.Test->Elo0, spec_.Test->Elo1));
+}
+
+void Match::WritePgn(const GameResult& result, const Game& game, const std::string& faultText) const {
+    std::ofstream file(spec_.PgnPath, std::ios::app);
+    const char* const score = ResultText(result.WhiteHalfPoints());
+    file << "[Event \"" << names_[0] << " - " << names_[1] << "\"]\n[Round \"" << result.Pair + 1 << '.'
+         << result.Leg + 1 << "\"]\n[White \"" << names_[result.Leg] << "\"]\n[Black \"" << names_[1 - result.Leg]
+         << "\"]\n[Result \"" << score << "\"]\n[Termination \"" << NameOf(result.How) << "\"]\n\n"
+         << MoveTextPgn(game);
+    if (!faultText.empty()) file << "{" << faultText << "} ";
+    file << score << "\n\n";
+    if (!file.flush()) throw std::runtime_error("The games file " + spec_.PgnPath + " cannot be written.");
+}
+
+std::string Summary(const Match& match) {
+    const MatchSpec& spec = match.Spec();
+    const Tally& tally = match.Standing();
+    const ScoreEstimate score = EstimateScore(tally.Pairs);
+    std::ostringstream text;
+    text.setf(std::ios::fixed);
+    text.precision(1);
+    text << spec.Players[0].Name << " - " << spec.Players[1].Name << ": " << tally.Wins << " wins, " << tally.Draws
+         << " draws, " << tally.Losses << " losses in " << tally.Games() << " games\n";
+    text << "score " << 100 * score.Score << " % (95 %: " << 100 * score.Low << " to " << 100 * score.High << "), Elo "
+         << EloFromScore(score.Score) << " (" << EloFromScore(score.Low) << " to " << EloFromScore(score.High) << ")\n";
+    text << "pairs by points 0, 1/2, 1, 3/2, 2:";
+    for (const int count : tally.Pairs) text << ' ' << count;
+    text << "\nendings:";
+    for (std::size_t i = 0; i < std::size(tally.Endings); ++i)
+        if (tally.Endings[i] != 0) text << ' ' << NameOf(static_cast<Ending>(i)) << ' ' << tally.Endings[i];
+    text << "\nfaults: " << spec.Players[0].Name << ' ' << tally.Faults[0] << ", " << spec.Players[1].Name << ' '
+         << tally.Faults[1] << "\n";
+    if (spec.Test) {
+        constexpr const char* verdicts[] = {"undecided", "accepted", "rejected"};
+        text.precision(2);
+        text << "sequential test of Elo " << spec.Test->Elo1 << " against " << spec.Test->Elo0
+             << ": log-likelihood ratio " << LogLikelihoodRatio(tally.Pairs, spec.Test->Elo0, spec.Test->Elo1)
+             << " (2.94 accepts, -2.94 rejects), " << verdicts[static_cast<std::size_t>(match.TestVerdict())] << "\n";
+    }
+    return text.str();
+}
+
+} // namespace quarnel::match

@@ -1,0 +1,63 @@
+// Players: whoever chooses the moves. An engine process behind a pipe, or a few lines of our own.
+//
+// A player that fails throws Fault; it has lost the game, and NewGame() sets it up afresh. One that
+// cannot even be started throws std::runtime_error: then the match makes no sense. Every wait ends with
+// Interrupted soon after the stop flag is raised. Each player belongs to one thread.
+#pragma once
+
+#include "Game.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace quarnel::match {
+
+struct Limit {
+    enum class Kind { None, Nodes, MoveTimeMs, Depth };
+    Kind What = Kind::None;
+    int Value = 0;
+};
+
+struct PlayerSpec {
+    std::string Name;    // no blanks
+    std::string Command; // for the shell; "builtin:random" and "builtin:grabber" are our own
+    std::vector<std::pair<std::string, std::string>> Options;
+    Limit PerMove;         // needed by engines, without meaning for our own
+    int TimeoutMs = 60000; // for a move; the engine is hanging then
+
+    bool IsBuiltin() const { return Command.starts_with("builtin:"); }
+};
+
+class Fault : public std::runtime_error {
+  public:
+    Fault(Ending how, const std::string& what) : std::runtime_error(what), How(how) {}
+    const Ending How;
+};
+
+class Interrupted : public std::runtime_error {
+  public:
+    Interrupted() : std::runtime_error("interrupted") {}
+};
+
+struct Answer {
+    std::string Text;           // the move
+    std::optional<int> ScoreCp; // the mover's view; mates are +-30000
+};
+
+class Player {
+  public:
+    virtual ~Player() = default;
+    /// Forgets the game before. The same `seed` makes the same choices, where the player takes a seed.
+    virtual void NewGame(std::uint64_t seed) = 0;
+    virtual Answer Choose(const Game& game) = 0;
+    /// After a fault: the next game begins with a fresh process.
+    virtual void Discard() {}
+};
+
+/// Nothing is started before the first game. `stop` must outlive the player.
+std::unique_ptr<Player> MakePlayer(const PlayerSpec& spec, const std::atomic<bool>& stop);
+
+} // namespace quarnel::match

@@ -1,0 +1,36 @@
+// An engine process that speaks the universal chess interface.
+//
+// The process stays between games; only a fault ends it early.
+#pragma once
+
+#include "Player.h"
+#include "Process.h"
+
+namespace quarnel::match {
+
+class UciPlayer final : public Player {
+  public:
+    UciPlayer(PlayerSpec spec, const std::atomic<bool>& stop) : spec_(std::move(spec)), stop_(stop) {}
+
+    void NewGame(std::uint64_t seed) override;
+    Answer Choose(const Game& game) override;
+    void Discard() override { process_.reset(); }
+
+  private:
+    void Start();
+    void SendOptions(const std::vector<std::string>& known);
+    void Send(const std::string& text);
+    std::string Read(Process::TimePoint deadline);
+    void AwaitReady();
+    std::string GoCommand() const;
+
+    const PlayerSpec spec_;
+    const std::atomic<bool>& stop_;
+    std::unique_ptr<Process> process_;
+    bool takesSeed_ = false; // announces an option Seed that the match does not set
+};
+
+/// The score of an "info" line, the mover's view; nothing for other lines, or for lines of play but the best.
+std::optional<int> ReadScore(std::string_view line);
+
+} // namespace quarnel::match
