@@ -67,7 +67,7 @@ void Search::Start(const SearchRoot& root, const SearchLimits& limits, InfoCallb
     stop_.store(false, std::memory_order_relaxed);
     pondering_.store(limits.Ponder, std::memory_order_relaxed);
     startMs_ = limits.StartMs >= 0 ? limits.StartMs : clock_.NowMs();
-    SetDeadlines(startMs_);
+    SetDeadlines();
     running_.store(true, std::memory_order_release);
     {
         const std::lock_guard lock(mutex_);
@@ -76,42 +76,38 @@ void Search::Start(const SearchRoot& root, const SearchLimits& limits, InfoCallb
     wake_.notify_one();
 }
 
-void Search::SetDeadlines(std::int64_t startMs) {
+void Search::SetDeadlines() {
     std::int64_t soft = Never;
     std::int64_t hard = Never;
     if (limits_.MoveTimeMs >= 0) {
-        soft = hard = startMs + limits_.MoveTimeMs;
+        soft = hard = startMs_ + limits_.MoveTimeMs;
     } else if (limits_.RemainingMs >= 0) {
         // An even share of what is left, and never so much that the next moves starve.
         const int moves = limits_.MovesToGo > 0 ? std::min(limits_.MovesToGo, 40) : 30;
         const std::int64_t usable = std::max<std::int64_t>(limits_.RemainingMs - 30, 1);
         const std::int64_t share = std::min(usable / moves + limits_.IncrementMs * 3 / 4, usable);
-        soft = startMs + share * 6 / 10;
-        hard = startMs + std::min(share * 4, usable * 8 / 10);
+        soft = startMs_ + share * 6 / 10;
+        hard = startMs_ + std::min(share * 4, usable * 8 / 10);
     }
-    timeFromMs_.store(startMs, std::memory_order_relaxed);
-    softDeadlineMs_.store(soft, std::memory_order_relaxed);
-    hardDeadlineMs_.store(hard, std::memory_order_relaxed);
+    softDeadlineMs_ = soft;
+    hardDeadlineMs_ = hard;
 }
 
 void Search::PonderHit() {
-    SetDeadlines(clock_.NowMs());
     pondering_.store(false, std::memory_order_relaxed);
 }
 
 bool Search::OutOfTime() const {
     if (limits_.Infinite || pondering_.load(std::memory_order_relaxed)) return false;
-    return clock_.NowMs() >= hardDeadlineMs_.load(std::memory_order_relaxed);
+    return clock_.NowMs() >= hardDeadlineMs_;
 }
 
 bool Search::SoftTimeIsUp(int stability, int valueDropCp) const {
-    const std::int64_t soft = softDeadlineMs_.load(std::memory_order_relaxed);
-    if (soft == Never) return false;
+    if (softDeadlineMs_ == Never) return false;
     const std::int64_t now = clock_.NowMs();
-    if (limits_.MoveTimeMs >= 0) return now >= soft;
-    const std::int64_t from = timeFromMs_.load(std::memory_order_relaxed);
+    if (limits_.MoveTimeMs >= 0) return now >= softDeadlineMs_;
     const int percent = std::max(60, 125 - 10 * stability) + std::clamp(valueDropCp, 0, 60);
-    return now >= from + (soft - from) * percent / 100;
+    return now >= startMs_ + (softDeadlineMs_ - startMs_) * percent / 100;
 }
 
 /// The line's second move; when the line was cut short, what the table holds for the position after the first.

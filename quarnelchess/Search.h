@@ -38,7 +38,7 @@ struct SearchLimits {
     std::int64_t IncrementMs = 0;
     int MovesToGo = 0;     // 0: for the rest of the game
     bool Infinite = false; // only Stop() ends the search
-    bool Ponder = false;   // time counts from PonderHit() only
+    bool Ponder = false;   // no deadline holds before PonderHit()
     int MultiPv = 1;
     int Skill = 100;             // 0..100, below 100 plays weaker; does not depend on the machine's speed
     std::vector<Move> OnlyMoves; // empty: all
@@ -90,7 +90,8 @@ class Search {
     void Start(const SearchRoot& root, const SearchLimits& limits, InfoCallback info = {});
     bool IsRunning() const { return running_.load(std::memory_order_acquire); }
     void Stop() { stop_.store(true, std::memory_order_relaxed); }
-    /// The expected move was played: from now on the time limits count.
+    /// The expected move was played: from now on the deadlines hold. They were set at Start(), so that the time
+    /// already spent on this very position counts.
     void PonderHit();
     /// Waits for the search to end.
     SearchResult Result();
@@ -111,7 +112,7 @@ class Search {
     bool SoftTimeIsUp(int stability, int valueDropCp) const;
     const SearchWorker& BestWorker() const;
     Move ExpectedReply(const std::vector<Move>& line) const;
-    void SetDeadlines(std::int64_t startMs);
+    void SetDeadlines();
 
     Clock& clock_;
     TranspositionTable table_;
@@ -128,10 +129,9 @@ class Search {
     std::atomic<bool> stop_{false};
     std::atomic<bool> running_{false};
     std::atomic<bool> pondering_{false};
-    std::int64_t startMs_ = 0;
-    std::atomic<std::int64_t> timeFromMs_{0};     // what the deadlines are counted from
-    std::atomic<std::int64_t> softDeadlineMs_{0}; // no new iteration after this
-    std::atomic<std::int64_t> hardDeadlineMs_{0};
+    std::int64_t startMs_ = 0;        // what the deadlines are counted from
+    std::int64_t softDeadlineMs_ = 0; // no new iteration after this
+    std::int64_t hardDeadlineMs_ = 0;
 
     std::mutex mutex_;
     std::condition_variable wake_;

@@ -137,21 +137,25 @@ TEST(Search, KeepsItsDeadlineByTheClockItIsGiven) {
     EXPECT_TRUE(search.Result().Best);
 }
 
-TEST(Search, PonderingWaitsForTheHitBeforeTimeCounts) {
-    FakeClock clock;
-    Search search(clock);
-    SearchLimits limits;
-    limits.MoveTimeMs = 100;
-    limits.Ponder = true;
-    search.Start({}, limits);
-    clock.Advance(100000);
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(search.IsRunning());
-    search.PonderHit();
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(search.IsRunning());
-    clock.Advance(100);
-    EXPECT_TRUE(search.Result().Best);
+TEST(Search, CountsTheTimeSpentPonderingOnceTheMoveWasGuessed) {
+    for (const std::int64_t ponderedMs : {30, 100000}) {
+        FakeClock clock;
+        Search search(clock);
+        SearchLimits limits;
+        limits.MoveTimeMs = 100;
+        limits.Ponder = true;
+        search.Start({}, limits);
+        clock.Advance(ponderedMs);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(search.IsRunning());
+        search.PonderHit();
+        if (ponderedMs < limits.MoveTimeMs) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            EXPECT_TRUE(search.IsRunning());
+            clock.Advance(limits.MoveTimeMs - ponderedMs);
+        }
+        EXPECT_TRUE(search.Result().Best);
+    }
 }
 
 TEST(Search, StopsEndlessSearchesWithAMoveInHand) {
