@@ -1,5 +1,8 @@
 #include "support/BoardEye.h"
 
+#include "base/Numbers.h"
+
+#include <cmath>
 #include <cstring>
 
 namespace quarnel::xdriver {
@@ -7,28 +10,24 @@ namespace quarnel::xdriver {
 namespace {
 
 constexpr int InnerWidth = 361;
-constexpr int InnerHeight = 362;
-constexpr int Border = 4;
+constexpr int Border = 6; // pixels: a mark, and two that stretching mixes with it
+constexpr Colour FrameColour = Rgb(89, 0, 0);
 constexpr Colour LightSquare = Rgb(209, 160, 120);
 constexpr Colour DarkSquare = Rgb(131, 66, 38);
 constexpr Colour Light = Rgb(128, 255, 128);
+constexpr Colour Toolbar = Rgb(192, 64, 0);
+constexpr int ButtonLeft[] = {25, 41, 65, 81, 121, 137};
+constexpr int ButtonMiddle = 354;
 
 Colour GroundColour(SquareGround ground, int file, int row) {
     const Colour plain = (file + row) % 2 == 0 ? LightSquare : DarkSquare;
-    switch (ground) {
-    case SquareGround::Check:
-        return ~plain | 0xFF000000U;
-    case SquareGround::Mate:
-        return Rgb(255, 0, 0);
-    default:
-        return plain;
-    }
+    if (ground == SquareGround::Plain) return plain;
+    return ground == SquareGround::Mate ? Rgb(255, 0, 0) : ~plain | 0xFF000000U;
 }
 
 } // namespace
 
-BoardEye::BoardEye(WindowDriver& driver, WindowId window, Truth flipped)
-    : driver_(driver), window_(window), flipped_(flipped) {
+BoardEye::BoardEye(WindowDriver& driver, WindowId window) : driver_(driver), window_(window) {
     LoadDesignedPictures(pictures_);
     BitBlt(pictures_.m_ppic, 0, 0, pictures_.m_ppic.Width(), pictures_.m_ppic.Height(), pictures_.o_ppic, 0, 0,
            RasterOp::SrcAnd);
@@ -40,35 +39,66 @@ BoardEye::BoardEye(WindowDriver& driver, WindowId window, Truth flipped)
 
 bool BoardEye::Look() {
     picture_ = driver_.GrabWindow(window_);
-    menuHeight_ = picture_.Height() - InnerHeight;
-    if (picture_.Width() != InnerWidth || menuHeight_ < 0) return false;
+    if (!FindZoom()) return false;
+    const auto& samples = SamplesOfZoom();
     bool whole = true;
     for (int row = 1; row <= 8; ++row) {
-        for (int file = 1; file <= 8; ++file) whole = ReadSquare(file, row) && whole;
+        for (int file = 1; file <= 8; ++file) whole = ReadSquare(samples, file, row) && whole;
     }
     return whole;
 }
 
-bool BoardEye::ReadSquare(int file, int row) {
-    const PixelPoint corner = SquareCorner({file, row}, flipped_);
+// The window's width tells the zoom, and the frame begins where its colour does.
+bool BoardEye::FindZoom() {
+    for (zoom_ = 0.75; zoom_ <= 2.5 && RoundHalfEven(InnerWidth * zoom_) != picture_.Width();) zoom_ += 0.25;
+    if (zoom_ > 2.5) return false;
+    menuHeight_ = 0;
+    while (menuHeight_ < picture_.Height() && picture_.At(1, menuHeight_) != FrameColour) ++menuHeight_;
+    return picture_.Height() - menuHeight_ + 1 >= 362 * zoom_;
+}
+
+const std::vector<BoardEye::Sample>& BoardEye::SamplesOfZoom() {
+    auto& samples = samples_[zoom_];
+    if (!samples.empty()) return samples;
     for (const SquareGround ground : {SquareGround::Plain, SquareGround::Check, SquareGround::Mate}) {
-        const Colour colour = GroundColour(ground, file, row);
         for (int piece = 0; piece <= 12; ++piece) {
-            Surface expected(PieceSize, PieceSize, colour);
-            if (piece != NoPiece) DrawPiece(pictures_, expected, piece, 0, 0);
-            bool same = true;
-            for (int y = Border; same && y < PieceSize - Border; ++y) {
-                for (int x = Border; same && x < PieceSize - Border; ++x) {
-                    same = (At(corner.X + x, corner.Y + y) ^ expected.At(x, y)) << 8 == 0;
-                }
+            if (ground != SquareGround::Plain && piece != King && piece != King + BlackOffset) continue;
+            Surface frame(FrameWidth, FrameHeight, FrameColour);
+            for (int cell = 0; cell < 64; ++cell) {
+                const Square square{cell % 8 + 1, cell / 8 + 1};
+                const PixelPoint corner = SquareCorner(square, False);
+                Surface content(PieceSize, PieceSize, GroundColour(ground, square.File, square.Row));
+                if (piece != NoPiece) DrawPiece(pictures_, content, piece, 0, 0);
+                BitBlt(frame, corner.X, corner.Y, PieceSize, PieceSize, content, 0, 0, RasterOp::SrcCopy);
             }
-            if (!same) continue;
-            pieces_[row][file] = static_cast<std::uint8_t>(piece);
-            grounds_[row][file] = ground;
-            return true;
+            samples.push_back({static_cast<std::uint8_t>(piece), ground,
+                               StretchBlt(frame, FrameWidth, FrameHeight, RoundHalfEven(FrameWidth * zoom_),
+                                          RoundHalfEven(FrameHeight * zoom_))});
         }
     }
+    return samples;
+}
+
+bool BoardEye::ReadSquare(const std::vector<Sample>& samples, int file, int row) {
+    const PixelPoint corner = SquareCorner({file, row}, Flipped);
+    for (const Sample& sample : samples) {
+        if (!ShowsSquareOf(sample, corner)) continue;
+        pieces_[row][file] = sample.Piece;
+        grounds_[row][file] = sample.Ground;
+        return true;
+    }
     return false;
+}
+
+bool BoardEye::ShowsSquareOf(const Sample& sample, PixelPoint corner) const {
+    const auto first = [&](int edge) { return static_cast<int>(std::ceil((edge + Border) * zoom_)); };
+    const auto end = [&](int edge) { return static_cast<int>((edge + PieceSize - Border) * zoom_); };
+    for (int y = first(corner.Y); y < end(corner.Y); ++y) {
+        for (int x = first(corner.X); x < end(corner.X); ++x) {
+            if (picture_.At(x, y + menuHeight_) != sample.Frame.At(x, y)) return false;
+        }
+    }
+    return true;
 }
 
 bool BoardEye::ShowsBoardOf(const Position& position) const {
@@ -76,33 +106,46 @@ bool BoardEye::ShowsBoardOf(const Position& position) const {
 }
 
 SquareMark BoardEye::Mark(Square square) const {
-    const PixelPoint corner = SquareCorner(square, flipped_);
-    const Colour left = At(corner.X + 1, corner.Y + 1) << 8;
-    if (left == ColourBlack << 8) return SquareMark::Origin;
-    return left == ColourWhite << 8 ? SquareMark::Target : SquareMark::None;
+    const PixelPoint corner = SquareCorner(square, Flipped);
+    const Colour border = At(corner.X + 2, corner.Y + 2);
+    if (border == ColourBlack) return SquareMark::Origin;
+    return border == ColourWhite ? SquareMark::Target : SquareMark::None;
 }
 
 bool BoardEye::LightAt(int x, int y) const {
-    return (At(x + 4, y + 4) ^ Light) << 8 == 0;
+    return At(x + 4.5, y + 4.5) == Light;
 }
 
-bool BoardEye::Idle() const {
-    constexpr Colour toolbar = Rgb(192, 64, 0);
-    for (int x = 26; x < 40; ++x) {
-        if ((At(x, 354) ^ toolbar) << 8 != 0) return true;
-    }
-    return false;
+bool BoardEye::ShowsButton(int button) const {
+    bool drawn = false;
+    for (int x = ButtonLeft[button] + 1; x < ButtonLeft[button] + 15; ++x) drawn |= At(x, ButtonMiddle) != Toolbar;
+    return drawn && At(ButtonLeft[2] - 4, ButtonMiddle) == Toolbar;
 }
 
 Surface BoardEye::Strip() const {
-    Surface strip(153, 16);
-    BitBlt(strip, 0, 0, strip.Width(), strip.Height(), picture_, 180, 346 + menuHeight_, RasterOp::SrcCopy);
+    const PixelPoint from = InWindow(181, 347);
+    const PixelPoint to = InWindow(332, 361);
+    Surface strip(to.X - from.X, to.Y - from.Y);
+    BitBlt(strip, 0, 0, strip.Width(), strip.Height(), picture_, from.X, from.Y, RasterOp::SrcCopy);
     return strip;
 }
 
+PixelPoint BoardEye::InWindow(double x, double y) const {
+    return {static_cast<int>(x * zoom_), static_cast<int>(y * zoom_) + menuHeight_};
+}
+
+Colour BoardEye::At(double x, double y) const {
+    const PixelPoint point = InWindow(x, y);
+    return point.X < picture_.Width() && point.Y < picture_.Height() ? picture_.At(point.X, point.Y) : 0;
+}
+
 PixelPoint BoardEye::Middle(Square square) const {
-    const PixelPoint corner = SquareCorner(square, flipped_);
-    return {corner.X + PieceSize / 2, corner.Y + PieceSize / 2 + menuHeight_};
+    const PixelPoint corner = SquareCorner(square, Flipped);
+    return InWindow(corner.X + PieceSize / 2.0, corner.Y + PieceSize / 2.0);
+}
+
+PixelPoint BoardEye::MiddleOfButton(int button) const {
+    return InWindow(ButtonLeft[button] + 8, ButtonMiddle);
 }
 
 } // namespace quarnel::xdriver

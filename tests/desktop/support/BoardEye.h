@@ -1,12 +1,15 @@
-// Reads the game off the main window's pixels, as a player's eyes do; at 100 % zoom.
+// Reads the game off the main window's pixels, as a player's eyes do, at each of the eight zooms.
 //
 // Every square is compared with all pieces on all grounds to the bit, so a wrong pixel inside a square reads as
-// nothing. The 4-pixel border of a square, where marks are, is read apart.
+// nothing. The border of a square, where marks are, is read apart. Positions are pixels in the window, the menu bar
+// included.
 #pragma once
 
 #include "display/BoardPictures.h"
 #include "model/Position.h"
 #include "support/WindowDriver.h"
+
+#include <map>
 
 namespace quarnel::xdriver {
 
@@ -15,40 +18,58 @@ enum class SquareGround { Plain, Check, Mate };
 
 class BoardEye {
   public:
-    /// `flipped`: Black is at the bottom.
-    BoardEye(WindowDriver& driver, WindowId window, Truth flipped = False);
+    BoardEye(WindowDriver& driver, WindowId window);
 
-    /// Looks again; false while some square shows no piece that there is (a piece is in motion there).
+    Truth Flipped = False; ///< Black is at the bottom
+
+    /// Looks again; false while some square shows no piece that there is (a piece is in motion there), or the window
+    /// has the size of no zoom.
     bool Look();
 
     // What the last look saw.
 
+    double Zoom() const { return zoom_; } ///< 1.0 at 100 %
     std::uint8_t Piece(int file, int row) const { return pieces_[row][file]; }
     bool ShowsBoardOf(const Position& position) const;
     SquareMark Mark(Square square) const;
     SquareGround Ground(int file, int row) const { return grounds_[row][file]; }
     bool LowerLight() const { return LightAt(349, 328); }
     bool UpperLight() const { return LightAt(349, 32); }
-    /// Whether the toolbar offers "Back to start": nobody thinks, and the board takes moves.
-    bool Idle() const;
+    /// Whether the toolbar shows its button 0..5.
+    bool ShowsButton(int button) const;
+    /// Whether the toolbar offers "Back to start": nobody thinks.
+    bool Idle() const { return ShowsButton(0); }
     /// The status strip's pixels.
     Surface Strip() const;
 
-    /// The middle of the square in the window, the menu bar included.
     PixelPoint Middle(Square square) const;
+    PixelPoint MiddleOfButton(int button) const;
     int MenuHeight() const { return menuHeight_; }
     const Surface& Picture() const { return picture_; }
 
   private:
-    bool ReadSquare(int file, int row);
+    // One piece on one ground, on all squares.
+    struct Sample {
+        std::uint8_t Piece = NoPiece;
+        SquareGround Ground = SquareGround::Plain;
+        Surface Frame;
+    };
+
+    bool FindZoom();
+    const std::vector<Sample>& SamplesOfZoom();
+    bool ReadSquare(const std::vector<Sample>& samples, int file, int row);
+    bool ShowsSquareOf(const Sample& sample, PixelPoint corner) const;
     bool LightAt(int x, int y) const;
-    Colour At(int x, int y) const { return picture_.At(x, y + menuHeight_); }
+    // A frame position in the window.
+    PixelPoint InWindow(double x, double y) const;
+    Colour At(double x, double y) const;
 
     WindowDriver& driver_;
     WindowId window_;
-    Truth flipped_;
     BoardPictures pictures_;
+    std::map<double, std::vector<Sample>> samples_; ///< by zoom; made when it is first seen
     Surface picture_;
+    double zoom_ = 0;
     int menuHeight_ = 0;
     std::uint8_t pieces_[9][9]{};
     SquareGround grounds_[9][9]{};

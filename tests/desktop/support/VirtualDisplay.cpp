@@ -141,26 +141,14 @@ std::unique_ptr<VirtualDisplay> VirtualDisplay::Start(int width, int height) {
 }
 
 std::vector<std::string> VirtualDisplay::Environment() const {
-    static const std::vector<std::string> Replaced = {"DISPLAY",
-                                                      "WAYLAND_DISPLAY",
-                                                      "XAUTHORITY",
-                                                      "HOME",
-                                                      "XDG_CONFIG_HOME",
-                                                      "XDG_CACHE_HOME",
-                                                      "XDG_DATA_HOME",
-                                                      "XDG_STATE_HOME",
-                                                      "SESSION_MANAGER",
-                                                      "QT_QPA_PLATFORM",
-                                                      "QT_SCALE_FACTOR",
-                                                      "QT_SCREEN_SCALE_FACTORS",
-                                                      "QT_QPA_PLATFORMTHEME",
-                                                      "QT_STYLE_OVERRIDE",
-                                                      "DESKTOP_SESSION",
-                                                      "XDG_CURRENT_DESKTOP"};
+    const std::string replaced =
+        " DISPLAY WAYLAND_DISPLAY XAUTHORITY HOME XDG_CONFIG_HOME XDG_CACHE_HOME XDG_DATA_HOME "
+        "XDG_STATE_HOME SESSION_MANAGER QT_QPA_PLATFORM QT_SCALE_FACTOR "
+        "QT_SCREEN_SCALE_FACTORS QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE DESKTOP_SESSION "
+        "XDG_CURRENT_DESKTOP ";
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable) {
-        const auto& found = std::find(Replaced.begin(), Replaced.end(), VariableName(*variable));
-        if (found == Replaced.end()) variables.emplace_back(*variable);
+        if (replaced.find(" " + VariableName(*variable) + " ") == replaced.npos) variables.emplace_back(*variable);
     }
     const std::string home = home_.string();
     variables.push_back("DISPLAY=" + name_);

@@ -30,24 +30,19 @@ struct FreeLater {
 template <class T>
 using Freed = std::unique_ptr<T, FreeLater>;
 
-std::vector<Window> ChildrenOf(Display* display, Window window) {
+struct Kin {
+    Window Parent = 0;
+    std::vector<Window> Children; ///< lowest first
+};
+
+Kin KinOf(Display* display, Window window) {
     Window root = 0;
     Window parent = 0;
     Window* children = nullptr;
     unsigned count = 0;
     if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) return {};
     const Freed<Window> freed(children);
-    return {children, children + count};
-}
-
-Window ParentOf(Display* display, Window window) {
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) return 0;
-    const Freed<Window> freed(children);
-    return parent;
+    return {parent, {children, children + count}};
 }
 
 } // namespace
@@ -78,7 +73,8 @@ bool WindowDriver::WaitUntil(const std::function<bool()>& state) {
 
 // Properties and messages.
 
-std::vector<unsigned long> WindowDriver::LongsProperty(WindowId window, const char* property) {
+template <class T>
+std::vector<T> WindowDriver::Property(WindowId window, const char* property) {
     Atom type = 0;
     int format = 0;
     unsigned long count = 0;
@@ -88,23 +84,14 @@ std::vector<unsigned long> WindowDriver::LongsProperty(WindowId window, const ch
     const int result = XGetWindowProperty(display_, window, atom, 0, 4096, False, AnyPropertyType, &type, &format,
                                           &count, &left, &data);
     const Freed<unsigned char> freed(data);
-    if (result != Success || format != 32) return {};
-    const auto* longs = reinterpret_cast<const unsigned long*>(data);
-    return {longs, longs + count};
+    const int wanted = sizeof(T) == 1 ? 8 : 32; // what is 32 bits wide comes as longs
+    if (result != Success || format != wanted) return {};
+    const auto* values = reinterpret_cast<const T*>(data);
+    return {values, values + count};
 }
 
-std::string WindowDriver::TextProperty(WindowId window, const char* property) {
-    Atom type = 0;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long left = 0;
-    unsigned char* data = nullptr;
-    const Atom atom = XInternAtom(display_, property, False);
-    const int result = XGetWindowProperty(display_, window, atom, 0, 4096, False, AnyPropertyType, &type, &format,
-                                          &count, &left, &data);
-    const Freed<unsigned char> freed(data);
-    if (result != Success || format != 8) return {};
-    return {reinterpret_cast<const char*>(data), count};
+std::vector<WindowId> WindowDriver::ManagedWindows() {
+    return Property<WindowId>(root_, "_NET_CLIENT_LIST");
 }
 
 void WindowDriver::SendToRoot(WindowId window, const char* message, long first, long second) {
@@ -139,16 +126,17 @@ bool WindowDriver::WaitForWindowManager() {
 }
 
 bool WindowDriver::Manages(WindowId window) {
-    const auto managed = LongsProperty(root_, "_NET_CLIENT_LIST");
+    const auto managed = ManagedWindows();
     return std::find(managed.begin(), managed.end(), window) != managed.end();
 }
 
 // Windows.
 
 WindowId WindowDriver::FindWindow(const std::string& title) {
-    for (const WindowId window : LongsProperty(root_, "_NET_CLIENT_LIST")) {
+    for (const WindowId window : ManagedWindows()) {
         XWindowAttributes attributes;
-        if (TextProperty(window, "_NET_WM_NAME") != title) continue;
+        const auto name = Property<char>(window, "_NET_WM_NAME");
+        if (std::string(name.begin(), name.end()) != title) continue;
         if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.map_state == IsViewable) {
             return window;
         }
@@ -164,13 +152,13 @@ WindowId WindowDriver::WaitForWindow(const std::string& title) {
 
 std::vector<WindowId> WindowDriver::UnmanagedWindows() {
     std::vector<WindowId> windows;
-    for (const Window window : ChildrenOf(display_, root_)) {
+    for (const Window window : KinOf(display_, root_).Children) {
         XWindowAttributes attributes;
         if (XGetWindowAttributes(display_, window, &attributes) == 0) continue;
         // Window managers keep windows of their own beyond the screen's edge.
         const bool seen = attributes.map_state == IsViewable && attributes.c_class == InputOutput &&
                           attributes.x + attributes.width > 0 && attributes.y + attributes.height > 0;
-        if (seen && attributes.override_redirect != 0 && ChildrenOf(display_, window).empty()) {
+        if (seen && attributes.override_redirect != 0 && KinOf(display_, window).Children.empty()) {
             windows.push_back(window);
         }
     }
@@ -181,7 +169,7 @@ bool WindowDriver::HasKeys(WindowId window) {
     Window focus = 0;
     int revert = 0;
     XGetInputFocus(display_, &focus, &revert);
-    while (focus > PointerRoot && focus != window) focus = ParentOf(display_, focus);
+    while (focus > PointerRoot && focus != window) focus = KinOf(display_, focus).Parent;
     return focus == window;
 }
 
@@ -207,18 +195,6 @@ std::vector<Rectangle> WindowDriver::Outline(WindowId window) {
     return outline;
 }
 
-int WindowDriver::Higher(WindowId first, WindowId second) {
-    const auto stacked = ChildrenOf(display_, root_);
-    const auto height = [&](WindowId window) {
-        while (window != 0 && ParentOf(display_, window) != root_) window = ParentOf(display_, window);
-        return std::find(stacked.begin(), stacked.end(), window);
-    };
-    const auto a = height(first);
-    const auto b = height(second);
-    if (a == stacked.end() || b == stacked.end() || a == b) return 0;
-    return a > b ? 1 : -1;
-}
-
 // Hands.
 
 void WindowDriver::MoveTo(WindowId window, int x, int y) {
@@ -228,13 +204,8 @@ void WindowDriver::MoveTo(WindowId window, int x, int y) {
     XSync(display_, False);
 }
 
-void WindowDriver::Press(int button) {
-    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), True, 0);
-    XSync(display_, False);
-}
-
-void WindowDriver::Release(int button) {
-    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), False, 0);
+void WindowDriver::Button(int button, bool down) {
+    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), down ? True : False, 0);
     XSync(display_, False);
 }
 
@@ -254,29 +225,22 @@ void WindowDriver::Drag(WindowId window, int fromX, int fromY, int toX, int toY)
     Release();
 }
 
-void WindowDriver::Key(unsigned long symbol, bool down) {
-    XTestFakeKeyEvent(display_, XKeysymToKeycode(display_, symbol), down ? True : False, 0);
-}
-
 void WindowDriver::Chord(const std::string& keys) {
-    std::vector<KeySym> symbols;
+    std::vector<unsigned> codes;
     for (std::size_t at = 0; at <= keys.size();) {
         const std::size_t end = std::min(keys.find('+', at), keys.size());
         const std::string name = keys.substr(at, end - at);
         at = end + 1;
-        if (name == "Ctrl") {
-            symbols.push_back(XK_Control_L);
-        } else if (name == "Shift") {
-            symbols.push_back(XK_Shift_L);
-        } else if (name == "Alt") {
-            symbols.push_back(XK_Alt_L);
-        } else {
-            symbols.push_back(XStringToKeysym(name.c_str()));
-        }
+        const KeySym symbol = name == "Ctrl" ? XK_Control_L : XStringToKeysym(name.c_str());
+        codes.push_back(XKeysymToKeycode(display_, symbol));
     }
-    for (const KeySym symbol : symbols) Key(symbol, true);
-    for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol) Key(*symbol, false);
+    for (const unsigned code : codes) XTestFakeKeyEvent(display_, code, True, 0);
+    for (auto code = codes.rbegin(); code != codes.rend(); ++code) XTestFakeKeyEvent(display_, *code, False, 0);
     XSync(display_, False);
+}
+
+void WindowDriver::Type(const std::string& text) {
+    for (const char key : text) Chord(key == '.' ? "period" : key == '-' ? "minus" : std::string(1, key));
 }
 
 // The window manager.
@@ -287,24 +251,6 @@ void WindowDriver::AskToClose(WindowId window) {
 
 void WindowDriver::Activate(WindowId window) {
     SendToRoot(window, "_NET_ACTIVE_WINDOW", 2, CurrentTime);
-}
-
-WindowId WindowDriver::Cover(const Rectangle& area, Colour colour) {
-    XSetWindowAttributes attributes{};
-    attributes.override_redirect = True;
-    attributes.background_pixel = colour & 0xFFFFFFU;
-    const Window cover =
-        XCreateWindow(display_, root_, area.Left, area.Top, static_cast<unsigned>(area.Right - area.Left),
-                      static_cast<unsigned>(area.Bottom - area.Top), 0, CopyFromParent, InputOutput, nullptr,
-                      CWOverrideRedirect | CWBackPixel, &attributes);
-    XMapRaised(display_, cover);
-    XSync(display_, False);
-    return cover;
-}
-
-void WindowDriver::RemoveCover(WindowId cover) {
-    XDestroyWindow(display_, cover);
-    XSync(display_, False);
 }
 
 // Eyes.
@@ -329,22 +275,9 @@ Surface WindowDriver::Grab(const Rectangle& area) {
     return picture;
 }
 
-Surface WindowDriver::GrabScreen() {
-    const int screen = DefaultScreen(display_);
-    return Grab({0, 0, DisplayWidth(display_, screen), DisplayHeight(display_, screen)});
-}
-
 Surface WindowDriver::GrabWindow(WindowId window) {
     const auto area = Area(window);
     return area ? Grab(*area) : Surface();
-}
-
-Colour WindowDriver::PixelAt(WindowId window, int x, int y) {
-    const auto area = Area(window);
-    if (!area) return 0;
-    const int left = area->Left + x;
-    const int top = area->Top + y;
-    return Grab({left, top, left + 1, top + 1}).At(0, 0);
 }
 
 bool WritePng(const std::string& path, const Surface& picture) {

@@ -52,21 +52,21 @@ class WindowDriver {
     std::optional<Rectangle> Area(WindowId window);
     /// The window's outline: the rectangles it is cut to, or one for a whole window.
     std::vector<Rectangle> Outline(WindowId window);
-    /// The window whose pixels lie above: 1 for the first, -1 for the second, 0 when unknown.
-    int Higher(WindowId first, WindowId second);
 
     // The user's hands. Each is on its way when the call returns.
 
     /// Moves the pointer to (x, y) of the window, which may lie outside of it; of the screen for window 0.
     void MoveTo(WindowId window, int x, int y);
-    void Press(int button = 1);
-    void Release(int button = 1);
+    void Press(int button = 1) { Button(button, true); }
+    void Release(int button = 1) { Button(button, false); }
     /// MoveTo, Press, Release.
     void Click(WindowId window, int x, int y, int button = 1);
     /// Presses at one place and releases at the other, passing a few places between.
     void Drag(WindowId window, int fromX, int fromY, int toX, int toY);
     /// A key with others held, such as "Ctrl+B" or "Escape".
     void Chord(const std::string& keys);
+    /// Small letters, digits, dots and dashes.
+    void Type(const std::string& text);
 
     // The window manager's.
 
@@ -74,26 +74,21 @@ class WindowDriver {
     void AskToClose(WindowId window);
     /// Brings it above the others and gives it the keys.
     void Activate(WindowId window);
-    /// A plain window of our own over a part of the screen, for covering others; RemoveCover() takes it off again.
-    WindowId Cover(const Rectangle& area, Colour colour);
-    void RemoveCover(WindowId cover);
 
     // The user's eyes.
 
     /// The pixels on the screen; what lies beyond its edges is black.
     Surface Grab(const Rectangle& area);
-    Surface GrabScreen();
     /// What is on the screen where the window is, other windows above it included.
     Surface GrabWindow(WindowId window);
-    /// One pixel of the screen inside the window's area.
-    Colour PixelAt(WindowId window, int x, int y);
 
   private:
     bool Manages(WindowId window);
-    std::vector<unsigned long> LongsProperty(WindowId window, const char* property);
-    std::string TextProperty(WindowId window, const char* property);
+    std::vector<WindowId> ManagedWindows();
+    template <class T>
+    std::vector<T> Property(WindowId window, const char* property);
     void SendToRoot(WindowId window, const char* message, long first, long second);
-    void Key(unsigned long symbol, bool down);
+    void Button(int button, bool down);
 
     _XDisplay* display_;
     WindowId root_;

@@ -1,0 +1,458 @@
+// Every menu item, toolbar button and shortcut, used in the real window, at three zooms and from both sides.
+//
+// One walk through all commands; each is followed by what it does to the picture, to the files, to the settings and to
+// the engine. With QUARNEL_PICTURES set, the walks leave pictures of what they pass in the folder it names.
+#include "PlayedProgram.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace quarnel::xdriver {
+namespace {
+
+// Where the menus stand in the bar, and the items in them.
+enum { GameMenu, MovesMenu, OptionsMenu, HelpMenu, HomePageMenu };
+enum { NewAsWhite, NewAsBlack, SaveItem = 3, LoadItem };
+enum { BackOne, ForwardOne, BackToStart, ForwardToEnd, MoveNow = 5, StopThinking };
+enum { ZoomMenu, StrengthMenu, PonderItem, PromoteMenu };
+using Path = std::vector<int>;
+const std::map<Path, std::size_t> ItemCounts = {
+    {{GameMenu}, 5},
+    {{MovesMenu}, 7},
+    {{OptionsMenu}, 4},
+    {{OptionsMenu, ZoomMenu}, 8},
+    {{OptionsMenu, StrengthMenu}, 10},
+    {{OptionsMenu, PromoteMenu}, 4},
+};
+
+// The three ways to each command of the Moves menu.
+enum Way { ByButton, ByShortcut, ByMenu, WayCount };
+constexpr int ButtonOf[] = {1, 2, 0, 3, -1, 4, 5};
+constexpr const char* ShortcutOf[] = {"Ctrl+b", "Ctrl+f", "Ctrl+s", "Ctrl+e", "", "Ctrl+m", "Ctrl+h"};
+
+// What each level tells the engine.
+constexpr const char* Skills[] = {"10 5",  "20 5",   "30 5",   "50 5",   "75 5",
+                                  "100 5", "100 10", "100 30", "100 50", "100 100"};
+
+struct Ply {
+    const char* San;
+    const char* Squares;
+};
+struct Side {
+    const char* Name;
+    const char* Header;
+    std::vector<Ply> Opening; ///< the user is to move at its end
+    std::vector<Ply> Pawn;    ///< leads a pawn of the user's to its last square but one
+    const char* Promotion;    ///< its way on
+    const char* San;          ///< the same as it is told the engine, without the piece
+};
+const Side White1{"White",
+                  "\tWhite(You)\tBlack\r\n",
+                  {{"e4", "e2e4"}, {"e5", "e7e5"}, {"Nf3", "g1f3"}, {"Nc6", "b8c6"}, {"Bb5", "f1b5"}, {"a6", "a7a6"}},
+                  {{"h4", "h2h4"},
+                   {"g5", "g7g5"},
+                   {"hxg5", "h4g5"},
+                   {"h6", "h7h6"},
+                   {"gxh6", "g5h6"},
+                   {"a6", "a7a6"},
+                   {"h7", "h6h7"},
+                   {"a5", "a6a5"}},
+                  "h7g8",
+                  "hxg8="};
+const Side Black1{"Black",
+                  "\tWhite\tBlack(You)\r\n",
+                  {{"e4", "e2e4"}, {"e5", "e7e5"}, {"Nf3", "g1f3"}, {"Nc6", "b8c6"}, {"Bb5", "f1b5"}},
+                  {{"a3", "a2a3"},
+                   {"h5", "h7h5"},
+                   {"g4", "g2g4"},
+                   {"hxg4", "h5g4"},
+                   {"h3", "h2h3"},
+                   {"gxh3", "g4h3"},
+                   {"a4", "a3a4"},
+                   {"h2", "h3h2"},
+                   {"a5", "a4a5"}},
+                  "h2g1",
+                  "hxg1="};
+
+Square At(const char* name) {
+    return {name[0] - 'a' + 1, 9 - (name[1] - '0')};
+}
+
+// `position` after the piece on the first square of "e2e4" has gone to the second.
+Position Played(const Position& position, const char* squares, int promote = NoPiece) {
+    const MoveList moves = Legal(position);
+    for (int i = 0; i < moves.Count; ++i) {
+        MoveRec move = moves.Moves[i];
+        if (Square{move.FromFile, move.FromRow} != At(squares) || Target(move) != At(squares + 2)) continue;
+        if (promote != NoPiece) move.Promote = static_cast<std::uint8_t>(promote);
+        return After(position, move);
+    }
+    throw std::logic_error(std::string(squares) + " is no legal move");
+}
+
+class EveryCommand : public PlayedProgram, public testing::WithParamInterface<std::tuple<int, const Side*>> {
+  protected:
+    EveryCommand() : ZoomIndex(std::get<0>(GetParam())), Me(*std::get<1>(GetParam())) {}
+
+    void Start() {
+        namespace fs = std::filesystem;
+        fs::copy_file(QUARNEL_PROGRAM, Home / "quarnel-chess");
+        fs::copy_file(QUARNEL_LISTENING_ENGINE, Home / "libQuarnelChess.so");
+        fs::create_directory(Home / "bin");
+        std::ofstream(Home / "bin/xdg-open") << "#!/bin/sh\necho \"$1\" >>\"$HOME/opened\"\n";
+        fs::permissions(Home / "bin/xdg-open", fs::perms::owner_all);
+        fs::current_path(Home);
+        StartWith(Home / "quarnel-chess", "Level=0\nWsize=" + std::to_string(ZoomIndex) + "\n",
+                  {"QUARNEL_COMMAND_LOG=" + (Home / "commands").string(),
+                   "PATH=" + (Home / "bin").string() + ":" + std::getenv("PATH")});
+        User.MoveTo(0, 0, 0);
+        AwaitGame("the start");
+        Bar = ReadMenuBar(Eye->Picture(), Eye->MenuHeight());
+        ASSERT_EQ(Bar.size(), 5U);
+    }
+
+    void Await(const std::string& what, const std::function<bool()>& state) {
+        if (!User.WaitUntil(state)) throw std::runtime_error("awaited in vain: " + what);
+    }
+    void AwaitGame(const std::string& what) {
+        Await(what, [&] { return Eye->Look() && Eye->Idle() && Eye->ShowsBoardOf(Game); });
+    }
+    void AwaitSetting(const std::string& line) {
+        Await(line, [&] { return Contents(SettingsFile()).find("\n" + line + "\n") != std::string::npos; });
+    }
+
+    // The command lines since the last call of Listen(), a line feed before and after each.
+    std::string Heard() { return "\n" + Contents(Home / "commands").substr(Listened); }
+    void Listen() { Listened = Contents(Home / "commands").size(); }
+    void AwaitCommand(const std::string& line) {
+        Await(line, [&] { return Heard().find("\n" + line + "\n") != std::string::npos; });
+    }
+
+    // Menus.
+
+    // Opens the menus on the path, one in the other, and reads the last.
+    std::vector<MenuRow> Open(const Path& path) {
+        User.MoveTo(Window, Bar[static_cast<std::size_t>(path[0])], Eye->MenuHeight() / 2);
+        Await("no tooltip", [&] { return User.UnmanagedWindows().empty(); });
+        User.Press();
+        User.Release();
+        std::vector<MenuRow> rows;
+        for (std::size_t depth = 1; depth <= path.size(); ++depth) {
+            if (depth > 1) ClickRow(rows, path[depth - 1]);
+            const std::size_t count = ItemCounts.at({path.begin(), path.begin() + static_cast<std::ptrdiff_t>(depth)});
+            Await("a menu", [&] {
+                const auto open = User.UnmanagedWindows();
+                if (open.size() != depth) return false;
+                Menu = open.back();
+                rows = ReadMenu(User.GrabWindow(Menu));
+                return rows.size() == count;
+            });
+        }
+        Keep("menu-" + std::to_string(path[0]) + (path.size() > 1 ? "-" + std::to_string(path[1]) : ""));
+        return rows;
+    }
+    void ClickRow(const std::vector<MenuRow>& rows, int item) {
+        User.Click(Menu, 40, rows[static_cast<std::size_t>(item)].Middle);
+    }
+    void AwaitNoMenu() {
+        Await("no menu", [&] { return User.UnmanagedWindows().empty(); });
+    }
+    // The item that alone is checked; -1 for none, -2 for several.
+    static int CheckedItem(const std::vector<MenuRow>& rows) {
+        int checked = -1;
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (rows[i].Checked) checked = checked == -1 ? static_cast<int>(i) : -2;
+        }
+        return checked;
+    }
+    // Chooses the item at the path's end; where `checked` is given, the check mark must stand there before.
+    void Choose(Path path, std::optional<int> checked = std::nullopt) {
+        const int item = path.back();
+        path.pop_back();
+        const auto rows = Open(path);
+        EXPECT_EQ(CheckedItem(rows), checked.value_or(CheckedItem(rows)));
+        ClickRow(rows, item);
+        AwaitNoMenu();
+    }
+    void ClickBar(int menu) { Click({Bar[static_cast<std::size_t>(menu)], Eye->MenuHeight() / 2}); }
+
+    void Use(int item, int way) {
+        if (way == ByButton) Click(Eye->MiddleOfButton(ButtonOf[item]));
+        if (way == ByShortcut) User.Chord(ShortcutOf[item]);
+        if (way == ByMenu) Choose({MovesMenu, item});
+    }
+    // Once an item was used, by whatever way, it alone has a check mark.
+    void ExpectMovesMark(int item) {
+        EXPECT_EQ(CheckedItem(Open({MovesMenu})), item);
+        User.Chord("Escape");
+        AwaitNoMenu();
+    }
+
+    // Files.
+
+    // Types the name, or cancels the dialog when it is empty.
+    void AnswerDialog(const std::string& title, const std::string& name) {
+        const WindowId dialog = User.WaitForWindow(title);
+        User.Activate(dialog);
+        Await("the keys", [&] { return User.HasKeys(dialog); });
+        User.Type(name);
+        User.Chord(name.empty() ? "Escape" : "Return");
+        Await("no dialog", [&] { return User.FindWindow(title) == 0; });
+    }
+    std::string Record(const std::vector<Ply>& plies, std::size_t count) const {
+        std::string text = Me.Header;
+        for (std::size_t i = 0; i < count; i += 2) {
+            text += std::to_string(i / 2 + 1) + ".\t" + plies[i].San + "\t" + (i + 1 < count ? plies[i + 1].San : "") +
+                    "\r\n";
+        }
+        return text;
+    }
+    void Load(const std::vector<Ply>& plies) {
+        std::ofstream("game.txt", std::ios::binary) << Record(plies, plies.size());
+        Choose({GameMenu, LoadItem});
+        AnswerDialog(LoadTitle, "game.txt");
+        Plies = {StartPosition};
+        for (const Ply& ply : plies) Plies.push_back(Played(Plies.back(), ply.Squares));
+        Game = Plies.back();
+        Eye->Flipped = ToTruth(&Me == &Black1);
+        AwaitGame("the loaded game");
+    }
+
+    void AwaitBoxAndPressOk(const std::string& name) {
+        Await("a message", [&] { return Box() != 0; });
+        Keep(name);
+        Await("its end", [&] { return TakeBoxAway(); });
+    }
+
+    // Leaves a picture of the window and what lies above it, where pictures are wanted.
+    void Keep(const std::string& name) {
+        const char* folder = std::getenv("QUARNEL_PICTURES");
+        if (folder == nullptr) return;
+        Rectangle area = User.Area(Window).value_or(Rectangle());
+        for (const WindowId menu : User.UnmanagedWindows()) {
+            const Rectangle other = User.Area(menu).value_or(area);
+            area.Right = std::max(area.Right, other.Right);
+            area.Bottom = std::max(area.Bottom, other.Bottom);
+        }
+        const std::string zoom = std::to_string(75 + 25 * ZoomIndex);
+        WritePng(std::string(folder) + "/" + zoom + "-" + Me.Name + "-" + name + ".png", User.Grab(area));
+    }
+
+    // The walk's stages.
+    void ShowHelpAndHomePage();
+    void StartNewGames();
+    void ChooseStrengthAndPonder();
+    void StepThroughAGame();
+    void SaveAndCancel();
+    void LetTheEngineMove();
+    void StopTheEngine();
+    void PromoteToEachPiece();
+    void ZoomThroughAllSizes();
+    void CloseUnderAQuestion();
+
+    static constexpr const char* LoadTitle = "Enter a file name of your game to load.";
+    static constexpr const char* SaveTitle = "Enter a file name of your game to save.";
+    const int ZoomIndex;
+    const Side& Me;
+    const Position StartPosition = Game;
+    std::vector<int> Bar; ///< the captions' middles
+    WindowId Menu = 0;    ///< the one that was opened last
+    std::size_t Listened = 0;
+    std::vector<Position> Plies; ///< of the loaded game
+};
+
+void EveryCommand::ShowHelpAndHomePage() {
+    ClickBar(HelpMenu);
+    const auto pixel = [&](double x, double y) { // of the panel, 268 x 258 in the window's middle
+        const double z = Eye->Zoom();
+        const int left = (static_cast<int>(std::lround(361 * z)) - 268) / 2 - 1;
+        const int top = (static_cast<int>(std::lround(362 * z)) - 258) / 2;
+        return PixelPoint{left + static_cast<int>(x), top + static_cast<int>(y) + Eye->MenuHeight()};
+    };
+    const auto isPanel = [&](double x, double y) {
+        const PixelPoint at = pixel(x, y);
+        return Eye->Picture().At(at.X, at.Y) == Rgb(206, 206, 206);
+    };
+    Await("the help panel",
+          [&] { return !Eye->Look() && isPanel(2, 2) && isPanel(265, 2) && isPanel(2, 255) && isPanel(265, 255); });
+    EXPECT_FALSE(isPanel(-3, 100) || isPanel(270, 100));
+    Keep("help");
+    Click(pixel(134, 238));
+    AwaitGame("the board without the panel");
+
+    ClickBar(HomePageMenu);
+    Await("the home page", [&] { return Contents(Home / "opened") == "https://www.quarnel-chess.example/\n"; });
+
+    const PixelPoint button = Eye->MiddleOfButton(0);
+    User.MoveTo(Window, button.X, button.Y);
+    Await("a tooltip", [&] { return !User.UnmanagedWindows().empty(); });
+}
+
+void EveryCommand::StartNewGames() {
+    Choose({GameMenu, SaveItem});
+    AwaitBoxAndPressOk("nothing-to-save");
+    for (const bool black : {true, false, &Me == &Black1}) {
+        Listen();
+        Choose({GameMenu, black ? NewAsBlack : NewAsWhite});
+        Game = StartPosition;
+        Eye->Flipped = ToTruth(black);
+        if (black) {
+            TakeEngineMove();
+            AwaitCommand("go");
+        } else {
+            AwaitGame("a new game");
+        }
+        AwaitCommand("new");
+        EXPECT_TRUE(Eye->LowerLight() && !Eye->UpperLight()) << "the user is to move";
+    }
+    Keep("new");
+}
+
+void EveryCommand::ChooseStrengthAndPonder() {
+    for (int level = 9, before = 0; level >= 0; before = level--) {
+        Listen();
+        Choose({OptionsMenu, StrengthMenu, level}, before);
+        AwaitSetting("Level=" + std::to_string(level));
+        AwaitCommand("skill " + std::string(Skills[level]));
+    }
+    for (const bool on : {true, false}) {
+        Listen();
+        Choose({OptionsMenu, PonderItem}, on ? -1 : PonderItem);
+        AwaitSetting(on ? "Ponder=-1" : "Ponder=0");
+        AwaitCommand(on ? "ponder on" : "ponder off");
+    }
+}
+
+void EveryCommand::StepThroughAGame() {
+    Load(Me.Opening);
+    const int last = static_cast<int>(Me.Opening.size());
+    std::map<int, Surface> strips{{last, Eye->Strip()}};
+    const std::pair<int, int> steps[] = {{BackToStart, 0}, {ForwardOne, 1}, {ForwardToEnd, last}, {BackOne, last - 1}};
+    for (int way = 0; way < WayCount; ++way) {
+        for (const auto& [item, ply] : steps) {
+            Use(item, way);
+            Game = Plies[static_cast<std::size_t>(ply)];
+            AwaitGame(ShortcutOf[item]);
+            EXPECT_EQ(Eye->Strip(), strips.try_emplace(ply, Eye->Strip()).first->second);
+            EXPECT_EQ(Eye->Mark(At("e4")), item == ForwardOne ? SquareMark::Target : SquareMark::None);
+            EXPECT_EQ(Eye->Mark(At("e2")), item == ForwardOne ? SquareMark::Origin : SquareMark::None);
+            EXPECT_EQ(Eye->LowerLight(), (ply % 2 == 0) == (&Me == &White1));
+            ExpectMovesMark(item);
+        }
+    }
+    EXPECT_FALSE(strips.at(0) == strips.at(1));
+}
+
+void EveryCommand::SaveAndCancel() {
+    Choose({GameMenu, SaveItem});
+    AnswerDialog(SaveTitle, "saved.txt");
+    const std::string record = Record(Me.Opening, Me.Opening.size() - 1);
+    Await("the record", [&] { return Contents("saved.txt") == record; });
+    for (const int item : {SaveItem, LoadItem}) {
+        Choose({GameMenu, item});
+        AnswerDialog(item == SaveItem ? SaveTitle : LoadTitle, "");
+        AwaitBoxAndPressOk("error");
+        AwaitGame("the board as before");
+    }
+}
+
+void EveryCommand::LetTheEngineMove() {
+    for (int way = 0; way < WayCount; ++way) {
+        const std::string position = ToUtf8(notation::PositionToFen(Game));
+        Listen();
+        Use(MoveNow, way);
+        TakeEngineMove();
+        AwaitCommand("go");
+        // It knows the game of its own moves, but not where the user has stepped to.
+        EXPECT_EQ(Heard().find("setboard " + position) != std::string::npos, way == 0);
+        ExpectMovesMark(MoveNow);
+    }
+}
+
+void EveryCommand::StopTheEngine() {
+    Choose({OptionsMenu, StrengthMenu, 9}, 0);
+    for (int way = 0; way < WayCount; ++way) {
+        Listen();
+        Use(MoveNow, ByShortcut);
+        Await("a search", [&] { return Eye->Look() && Eye->ShowsButton(5) && !Eye->Idle(); });
+        User.Chord("Ctrl+m"); // is disabled
+        std::string enabled;
+        for (const MenuRow& row : Open({MovesMenu})) enabled += row.Separator ? '-' : row.Enabled ? '1' : '0';
+        EXPECT_EQ(enabled, "0000-01");
+        User.Chord("Escape");
+        AwaitNoMenu();
+        Use(StopThinking, way);
+        TakeEngineMove();
+        EXPECT_EQ(Heard().find("\ngo\n"), Heard().rfind("\ngo\n"));
+        AwaitCommand("force");
+        ExpectMovesMark(StopThinking);
+    }
+    Choose({OptionsMenu, StrengthMenu, 0}, 9);
+}
+
+void EveryCommand::PromoteToEachPiece() {
+    Load(Me.Pawn);
+    const char* const pieces = "NBRQ";
+    for (int piece = 0, before = 3; piece < 4; before = piece++) {
+        Choose({OptionsMenu, PromoteMenu, piece}, before);
+        Listen();
+        Drag(At(Me.Promotion), At(Me.Promotion + 2));
+        Game = Played(Plies.back(), Me.Promotion, Knight + piece + (&Me == &Black1 ? BlackOffset : 0));
+        const Position promoted = Game;
+        TakeEngineMove();
+        AwaitCommand(std::string(Me.San) + pieces[piece]);
+        for (const Position& earlier : {promoted, Plies.back()}) {
+            User.Chord(ShortcutOf[BackOne]);
+            Game = earlier;
+            AwaitGame("a step back");
+        }
+    }
+}
+
+void EveryCommand::ZoomThroughAllSizes() {
+    int before = ZoomIndex;
+    for (const int index : {0, 1, 2, 3, 4, 5, 6, 7, ZoomIndex}) {
+        Choose({OptionsMenu, ZoomMenu, index}, before);
+        before = index;
+        AwaitSetting("Wsize=" + std::to_string(index));
+        Await("another zoom", [&] { return Eye->Look() && Eye->Zoom() == 0.75 + 0.25 * index; });
+        AwaitGame("the board at another zoom");
+        Keep("zoom-" + std::to_string(75 + 25 * index));
+    }
+}
+
+// A message or a dialog must not keep the main window from being closed.
+void EveryCommand::CloseUnderAQuestion() {
+    if (&Me == &White1) {
+        Choose({GameMenu, NewAsWhite});
+        Choose({GameMenu, SaveItem});
+        Await("a message", [&] { return Box() != 0; });
+    } else {
+        Choose({GameMenu, LoadItem});
+        EXPECT_NE(User.WaitForWindow(LoadTitle), 0U);
+    }
+    ExpectItEndsWhenClosed();
+}
+
+TEST_P(EveryCommand, DoesWhatItSays) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    ShowHelpAndHomePage();
+    StartNewGames();
+    ChooseStrengthAndPonder();
+    StepThroughAGame();
+    SaveAndCancel();
+    LetTheEngineMove();
+    StopTheEngine();
+    PromoteToEachPiece();
+    ZoomThroughAllSizes();
+    CloseUnderAQuestion();
+}
+
+std::string NameOf(const testing::TestParamInfo<EveryCommand::ParamType>& test) {
+    return std::to_string(75 + 25 * std::get<0>(test.param)) + "As" + std::get<1>(test.param)->Name;
+}
+INSTANTIATE_TEST_SUITE_P(, EveryCommand, testing::Combine(testing::Values(0, 1, 7), testing::Values(&White1, &Black1)),
+                         NameOf);
+
+} // namespace
+} // namespace quarnel::xdriver
