@@ -79,6 +79,9 @@ TEST_F(CommandLines, StopThinkingSendsForceOnceAndTheMoveIsStillPlayed) {
 // with the position; a user of Black has "go" sent behind "force" and is left waiting for its answer.
 TEST_F(CommandLines, ANewGameWhileTheEngineThinksDropsItsMove) {
     Play([&] {
+        EXPECT_THAT(Choose(NewAsBlack()), ElementsAre("new", "skill 100 10", "sync", "go"));
+        SayMove("White", "Nf3");
+        EXPECT_THAT(Choose(NewAsWhite()), ElementsAre("new", "skill 100 10"));
         DragMove("e2", "e4");
         EXPECT_THAT(Choose(NewAsWhite()), ElementsAre("force"));
         Engine.Say("Black(1): c5 ");
@@ -104,16 +107,6 @@ TEST_F(CommandLines, ANewGameWhileTheEngineThinksDropsItsMove) {
         SayMove("White", "c4");
         EXPECT_EQ(Fen(), StartFen);
         EXPECT_EQ(DragMove("e2", "e4").back(), "e4");
-    });
-}
-
-TEST_F(CommandLines, ANewGameAsBlackLetsTheEngineBegin) {
-    Play([&] {
-        EXPECT_THAT(Choose(NewAsBlack()), ElementsAre("new", "skill 100 10", "sync", "go"));
-        EXPECT_EQ(State().BoardFlipped, True);
-        SayMove("White", "Nf3");
-        EXPECT_EQ(Controls(), 'i');
-        EXPECT_THAT(ClickMove("d7", "d5"), ElementsAre("sync", "d5"));
     });
 }
 
@@ -153,17 +146,6 @@ TEST_F(CommandLines, ANewGameInTheUsersOwnSlideLeavesTheNextOneInOrder) {
     });
 }
 
-TEST_F(CommandLines, MoveNowSearchesForTheUserAndChangesSidesWithEachMove) {
-    Play([&] {
-        EXPECT_THAT(ChooseMoves(MoveNowItem), ElementsAre("sync", "go"));
-        SayMove("White", "e4");
-        EXPECT_THAT(ChooseMoves(MoveNowItem), ElementsAre("sync", "go"));
-        SayMove("Black", "e5");
-        EXPECT_EQ(Row(1), "1. e4 e5");
-        EXPECT_THAT(DragMove("g1", "f3"), ElementsAre("sync", "Nf3"));
-    });
-}
-
 TEST_F(CommandLines, WhileTheEngineThinksALevelIsSentAtOnceAndPonderingWhenTheSearchEnds) {
     Play([&] {
         EXPECT_THAT(Choose(Game->Settings.pnd), ElementsAre("ponder on"));
@@ -193,14 +175,6 @@ TEST_F(CommandLines, WithoutTheLibraryTheWindowOpensAndTakesInput) {
     EXPECT_EQ(Fen(), StartFen);
     EXPECT_EQ(Game->Commands.CommandCount, waiting + 2);
     EXPECT_EQ(State().BoardFlipped, True);
-}
-
-TEST_F(CommandLines, ClosingTheWindowEndsTheProcessWhileTheEngineThinks) {
-    EXPECT_THROW(Play([&] {
-                     DragMove("e2", "e4");
-                     Screen.Close(Window());
-                 }),
-                 ScriptedDesktop::ProcessEnded);
 }
 
 } // namespace

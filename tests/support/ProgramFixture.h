@@ -25,15 +25,18 @@ class ScriptedEngine {
 
     std::function<void()> Body; ///< runs inside quarnel_EngineStart
 
-    /// Calls the input callback until it brings no line; returns the lines it brought.
-    std::vector<std::string> Pull(std::int32_t wait = 0) {
-        std::vector<std::string> lines;
-        do {
-            received_.clear();
-            input_(wait);
-            lines.insert(lines.end(), received_.begin(), received_.end());
-        } while (!received_.empty());
-        return lines;
+    /// Calls the input callback once; returns the lines it brought.
+    std::vector<std::string> PullOnce(std::int32_t wait = 0) {
+        input_(wait);
+        return std::exchange(received_, {});
+    }
+    /// Calls it until it brings no line.
+    std::vector<std::string> Pull() {
+        std::vector<std::string> all;
+        for (auto lines = PullOnce(); !lines.empty(); lines = PullOnce()) {
+            all.insert(all.end(), lines.begin(), lines.end());
+        }
+        return all;
     }
 
     void Say(const std::string& text) {
