@@ -3,23 +3,14 @@
 #include "base/Numbers.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
+#include <random>
 
 namespace quarnel {
 namespace {
 
-MoveRec MakeMove(int fromFile, int fromRow, int toFile, int toRow, int castle = NoCastle) {
-    MoveRec move{};
-    move.FromFile = static_cast<std::uint8_t>(fromFile);
-    move.FromRow = static_cast<std::uint8_t>(fromRow);
-    move.ToFile = static_cast<std::uint8_t>(toFile);
-    move.ToRow = static_cast<std::uint8_t>(toRow);
-    move.Castle = static_cast<std::uint8_t>(castle);
-    return move;
-}
-
-bool operator==(const MoveRec& a, const MoveRec& b) {
-    return std::memcmp(&a, &b, sizeof(MoveRec)) == 0;
+auto Bytes(const MoveRec& move) {
+    return std::bit_cast<std::array<std::uint8_t, 8>>(move);
 }
 
 class AnimateMoveTest : public BoardFixture {
@@ -39,29 +30,17 @@ class AnimateMoveTest : public BoardFixture {
     std::uint32_t firstTick = 0;
 };
 
-TEST_F(AnimateMoveTest, TakesFiftyMillisecondsASquareAtEveryZoom) {
-    desktop.TickStepMs = 1;
-    for (const float zoom : {1.0F, 2.5F}) {
-        const std::pair<MoveRec, int> cases[] = {{MakeMove(5, 7, 5, 6), 50},
-                                                 {MakeMove(5, 8, 6, 7), 50},
-                                                 {MakeMove(2, 8, 3, 6), 100},
-                                                 {MakeMove(1, 8, 1, 1), 350}};
-        for (auto [move, durationMs] : cases) {
-            state.Zoom = zoom;
-            EXPECT_EQ(Animate(move), durationMs + 1) << "the last one is the redraw";
-            // The clock is read once at the start and once after each step.
-            EXPECT_EQ(desktop.NowMs - firstTick, static_cast<std::uint32_t>(durationMs + 1));
-        }
-    }
-}
-
 TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
     desktop.TickStepMs = 9; // uneven, so that positions fall between pixels
     state.LastMoveFile = state.LastMoveRow = 4;
-    const std::tuple<Square, Square, Truth> cases[] = {
-        {{7, 8}, {6, 6}, False}, {{7, 8}, {6, 6}, True}, {{1, 1}, {8, 8}, False}, {{5, 2}, {1, 2}, False}};
-    for (const auto& [origin, target, flipped] : cases) {
+    const std::pair<MoveRec, Truth> cases[] = {{{7, 8, 6, 6, 0, 0, 0, 0}, False},
+                                               {{7, 8, 6, 6, 0, 0, 0, 0}, True},
+                                               {{1, 1, 8, 8, 0, 0, 0, 0}, False},
+                                               {{5, 2, 1, 2, 0, 0, 0, 0}, False}};
+    for (auto [move, flipped] : cases) {
         state.BoardFlipped = flipped;
+        const Square origin{move.FromFile, move.FromRow};
+        const Square target{move.ToFile, move.ToRow};
         ExpectedFrame expected{.LastMove = {4, 4}, .Erased = origin};
         expected.Floating = PieceAt(state.CurPos, origin.File, origin.Row);
         const PixelPoint from = SquareCorner(origin, flipped);
@@ -78,7 +57,6 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
             }
             elapsedMs += 9;
         };
-        MoveRec move = MakeMove(origin.File, origin.Row, target.File, target.Row);
         Animate(move, True);
         desktop.BeforeProcess = nullptr;
         EXPECT_GE(elapsedMs, durationMs);
@@ -86,64 +64,74 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
     }
 }
 
-TEST_F(AnimateMoveTest, MarksTheOriginAtOnceAndBothSquaresAtTheEndAndRewritesCastling) {
+TEST_F(AnimateMoveTest, TakesFiftyMillisecondsASquareMarksTheOriginAtOnceAndBothAtTheEndAndRewritesCastling) {
     const struct {
         MoveRec Given;
         Truth Side, Flipped;
         MoveRec Left;
-    } cases[] = {{MakeMove(7, 8, 6, 6), White, False, MakeMove(7, 8, 6, 6)},
-                 {MakeMove(2, 8, 3, 6), White, True, MakeMove(2, 8, 3, 6)},
-                 {MakeMove(5, 8, 0, 0, 1), White, False, MakeMove(5, 8, 7, 8, 1)},
-                 {MakeMove(5, 8, 0, 0, 2), White, True, MakeMove(5, 8, 3, 8, 2)},
-                 {MakeMove(5, 1, 0, 0, 1), Black, True, MakeMove(5, 1, 7, 1, 1)},
-                 {MakeMove(5, 1, 0, 0, 2), Black, False, MakeMove(5, 1, 3, 1, 2)}};
-    for (const auto& [given, side, flipped, left] : cases) {
-        SCOPED_TRACE(int{given.FromFile} * 10 + flipped);
+        int DurationMs;
+    } cases[] = {{{5, 7, 5, 6, 0, 0, 0, 0}, White, False, {5, 7, 5, 6, 0, 0, 0, 0}, 50},
+                 {{5, 8, 6, 7, 0, 0, 0, 0}, White, True, {5, 8, 6, 7, 0, 0, 0, 0}, 50},
+                 {{2, 8, 3, 6, 0, 0, 0, 0}, White, True, {2, 8, 3, 6, 0, 0, 0, 0}, 100},
+                 {{1, 8, 1, 1, 0, 0, 0, 0}, White, False, {1, 8, 1, 1, 0, 0, 0, 0}, 350},
+                 {{5, 8, 0, 0, 1, 0, 0, 0}, White, False, {5, 8, 7, 8, 1, 0, 0, 0}, 100},
+                 {{5, 8, 0, 0, 2, 0, 0, 0}, White, True, {5, 8, 3, 8, 2, 0, 0, 0}, 100},
+                 {{5, 1, 0, 0, 1, 0, 0, 0}, Black, True, {5, 1, 7, 1, 1, 0, 0, 0}, 100},
+                 {{5, 1, 0, 0, 2, 0, 0, 0}, Black, False, {5, 1, 3, 1, 2, 0, 0, 0}, 100}};
+    desktop.TickStepMs = 1;
+    state.Zoom = 2.5F;
+    for (const auto& [given, side, flipped, left, durationMs] : cases) {
+        SCOPED_TRACE(testing::PrintToString(Bytes(given)));
         state.CurPos = MakePosition(StartSquares, side);
         state.BoardFlipped = flipped;
+        const Square from{left.FromFile, left.FromRow};
         const Square before = LastMove();
         int frames = 0;
-        desktop.BeforeProcess = [&, left = left] {
+        desktop.BeforeProcess = [&] {
             if (++frames != 2) return; // the first of the slide
-            EXPECT_EQ(Selected(), (Square{left.FromFile, left.FromRow}));
+            EXPECT_EQ(Selected(), from);
             EXPECT_EQ(LastMove(), before);
         };
         MoveRec move = given;
-        EXPECT_EQ(Animate(move), 11) << "two squares";
-        EXPECT_TRUE(move == left);
-        EXPECT_EQ(Selected(), (Square{left.FromFile, left.FromRow}));
+        // The last frame is the redraw; the clock is read once at the start and once after each step.
+        EXPECT_EQ(Animate(move), durationMs + 1);
+        EXPECT_EQ(desktop.NowMs - firstTick, static_cast<std::uint32_t>(durationMs + 1));
+        EXPECT_EQ(Bytes(move), Bytes(left));
+        EXPECT_EQ(Selected(), from);
         EXPECT_EQ(LastMove(), (Square{left.ToFile, left.ToRow}));
     }
     desktop.BeforeProcess = nullptr;
     const std::pair marks(Selected(), LastMove());
-    MoveRec move = MakeMove(2, 8, 3, 6);
+    MoveRec move{2, 8, 3, 6, 0, 0, 0, 0};
     Animate(move, True);
     EXPECT_EQ(std::pair(Selected(), LastMove()), marks) << "no marks asked for";
 }
 
 TEST_F(AnimateMoveTest, WithoutAWayOrAPieceNothingIsShownAndAFailureShowsTheRedrawAlone) {
     PieceAt(state.CurPos, 4, 4) = 17; // a code without an image
-    const std::pair<MoveRec, int> cases[] = {
-        {MakeMove(0, 0, 0, 0), 0}, {MakeMove(5, 7, 5, 7), 0},   {MakeMove(5, 5, 5, 4), 0}, {MakeMove(0, 3, 2, 3), 0},
-        {MakeMove(9, 1, 2, 1), 1}, {MakeMove(1, 200, 2, 1), 1}, {MakeMove(4, 4, 4, 5), 1}};
+    const std::pair<MoveRec, int> cases[] = {{{0, 0, 0, 0, 0, 0, 0, 0}, 0}, {{5, 7, 5, 7, 0, 0, 0, 0}, 0},
+                                             {{5, 5, 5, 4, 0, 0, 0, 0}, 0}, {{0, 3, 2, 3, 0, 0, 0, 0}, 0},
+                                             {{9, 1, 2, 1, 0, 0, 0, 0}, 1}, {{1, 200, 2, 1, 0, 0, 0, 0}, 1},
+                                             {{4, 4, 4, 5, 0, 0, 0, 0}, 1}};
     for (const Truth flipped : {False, True}) {
         state.BoardFlipped = flipped;
         for (const auto& [record, frames] : cases) {
             MoveRec move = record;
             EXPECT_EQ(Animate(move), frames) << int{record.FromFile};
-            EXPECT_TRUE(move == record);
+            EXPECT_EQ(Bytes(move), Bytes(record));
             EXPECT_EQ(state.LastMoveFile, 0);
         }
         EXPECT_TRUE(Shows({.Selected = {4, 4}}));
     }
     desktop.TickStepMs = 100000;
-    for (std::uint32_t seed = 1; seed < 400; ++seed) {
-        const std::uint32_t bits = seed * 2654435761U;
-        const MoveRec record = MakeMove(bits >> 24 & 0xFF, bits >> 16 & 0xF, bits >> 8 & 0xFF, bits & 0xFF, seed % 4);
-        state.BoardFlipped = ToTruth(seed % 2 != 0);
+    std::mt19937 random(1);
+    for (int i = 0; i < 400; ++i) {
+        const auto any = [&](unsigned count) { return static_cast<std::uint8_t>(random() % count); };
+        const MoveRec record{any(256), any(16), any(256), any(256), any(4), 0, 0, 0};
+        state.BoardFlipped = ToTruth(i % 2 != 0);
         MoveRec move = record;
         animation.AnimateMove(state.CurPos, move, False);
-        EXPECT_TRUE(record.Castle != NoCastle || move == record) << seed;
+        EXPECT_TRUE(record.Castle != NoCastle || Bytes(move) == Bytes(record)) << i;
     }
 }
 
