@@ -160,22 +160,6 @@ TEST_F(MessageBoxTest, IsDraggedByItsTitleWithTheLeftButtonHeld) {
     });
 }
 
-TEST_F(MessageBoxTest, ShowsTheIconOfANumberOrTheGivenPicture) {
-    const PictureRef own = MakePicture(Surface(3, 3));
-    const PictureRef icons[] = {nullptr, dialog.Icons[0], dialog.Icons[1], dialog.Icons[2], dialog.Icons[3], nullptr};
-    for (int number = 0; number < 6; ++number) {
-        for (const bool given : {false, true}) {
-            desktop.Script = {[&] {
-                EXPECT_EQ(dialog.img_Icon.Image.Get(), given ? own : icons[number]) << number;
-                EXPECT_EQ(dialog.Caption2.Caption.Get(), given ? u"Other" : u"Quarnel Chess");
-                EXPECT_EQ(dialog.lbl_Prompt.ForeColor.Get(), Rgb(1, 2, 3));
-                desktop.Click(dialog.Ok);
-            }};
-            messages.MsgBoxXP(u"x", given ? u"Other" : u"", 0, number, ToTruth(given), own, Rgb(1, 2, 3));
-        }
-    }
-}
-
 TEST_F(MessageBoxTest, KeepsTheLastButtonWhenTheDesktopClosesTheDialog) {
     for (const std::int32_t kept : {0, 6}) {
         desktop.Script = {[this] {
