@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <random>
-#include <sstream>
 
 namespace quarnel {
 namespace {
@@ -21,9 +20,8 @@ class SettingsFileTest : public testing::Test {
         std::ofstream(Path, std::ios::binary) << content;
     }
     std::string Content() const {
-        std::ostringstream content;
-        content << std::ifstream(Path, std::ios::binary).rdbuf();
-        return content.str();
+        std::ifstream file(Path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
     std::ptrdiff_t FilesInFolder() const {
         return std::distance(fs::directory_iterator(Path.parent_path()), fs::directory_iterator());
@@ -54,19 +52,12 @@ TEST_F(SettingsFileTest, KeepsEachValueUnderItsSectionAndItsKeyInAnyLetterCase) 
 }
 
 TEST_F(SettingsFileTest, AnyTextComesBackAsItWas) {
-    const Text texts[] = {u"",
-                          u"  blanks  ",
-                          u"a=b",
-                          u"[x]",
-                          u"#",
-                          u"\\u0041",
-                          u"two\r\nlines\n",
-                          u"\u02DD-\u02DD",
-                          Text(u"nul\0inside", 10),
-                          Text(1, u'\xD800'),
-                          u"\U0001F60A"};
-    for (const Text& text : texts) EXPECT_TRUE(File.Write(u"S" + text, u"K" + text, text));
-    for (const Text& text : texts) EXPECT_EQ(File.Read(u"S" + text, u"K" + text), text) << ToUtf8(text);
+    using namespace std::literals;
+    constexpr TextView damaged(u"\xD800", 1);
+    const auto texts = {u""sv, u"  blanks  "sv, u"a=b"sv, u"[x]"sv, u"#"sv, u"\\u0041"sv, u"two\r\nlines\n"sv,
+                        u"\u02DD-\u02DD"sv, u"nul\0inside"sv, damaged, u"\U0001F60A"sv};
+    for (const TextView text : texts) EXPECT_TRUE(File.Write(u"S" + Text(text), u"K" + Text(text), Text(text)));
+    for (const TextView text : texts) EXPECT_EQ(File.Read(u"S" + Text(text), u"K" + Text(text)), text) << ToUtf8(text);
 }
 
 TEST_F(SettingsFileTest, DamagedLinesHideNothingElse) {
