@@ -26,14 +26,6 @@ void Reads(const Text& given, const Text& written, bool rewritten = false) {
 const Text Empty = u"8/8/8/8/8/8/8/8 ";
 const Text TopLeft = u"P7/8/8/8/8/8/8/8 ";
 
-TEST(PositionText, TheBoardIsReadFromA8ByRows) {
-    const Position position = PositionOf(u"8/8/n3P3/8/8/8/8/R7 b - - 0 1");
-    EXPECT_EQ(PieceAt(position, 1, 8), Rook);
-    EXPECT_EQ(PieceAt(position, 5, 3), Pawn);
-    EXPECT_EQ(PieceAt(position, 1, 3), Knight + BlackOffset);
-    EXPECT_EQ(position.SideToMove, Black);
-}
-
 TEST(PositionText, PlacementIsReadAsFarAsSixtyFourSquares) {
     Reads(Text(StandardStart), Text(StandardStart));
     Reads(u"88888888 w - - 0 1", Empty + u"w - - 0 1");
