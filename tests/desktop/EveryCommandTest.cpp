@@ -16,14 +16,8 @@ enum { NewAsWhite, NewAsBlack, SaveItem = 3, LoadItem };
 enum { BackOne, ForwardOne, BackToStart, ForwardToEnd, MoveNow = 5, StopThinking };
 enum { ZoomMenu, StrengthMenu, PonderItem, PromoteMenu };
 using Path = std::vector<int>;
-const std::map<Path, std::size_t> ItemCounts = {
-    {{GameMenu}, 5},
-    {{MovesMenu}, 7},
-    {{OptionsMenu}, 4},
-    {{OptionsMenu, ZoomMenu}, 8},
-    {{OptionsMenu, StrengthMenu}, 10},
-    {{OptionsMenu, PromoteMenu}, 4},
-};
+constexpr std::size_t ItemCounts[] = {5, 7, 4};        // of Game, Moves, Options
+constexpr std::size_t SubmenuCounts[] = {8, 10, 0, 4}; // of those in Options
 
 // The three ways to each command of the Moves menu.
 enum Way { ByButton, ByShortcut, ByMenu, WayCount };
@@ -34,60 +28,41 @@ constexpr const char* ShortcutOf[] = {"Ctrl+b", "Ctrl+f", "Ctrl+s", "Ctrl+e", ""
 constexpr const char* Skills[] = {"10 5",  "20 5",   "30 5",   "50 5",   "75 5",
                                   "100 5", "100 10", "100 30", "100 50", "100 100"};
 
-struct Ply {
-    const char* San;
-    const char* Squares;
-};
 struct Side {
     const char* Name;
     const char* Header;
-    std::vector<Ply> Opening; ///< the user is to move at its end
-    std::vector<Ply> Pawn;    ///< leads a pawn of the user's to its last square but one
-    const char* Promotion;    ///< its way on
-    const char* San;          ///< the same as it is told the engine, without the piece
+    const char* Opening;   ///< moves by their squares and as recorded; the user is to move at the end
+    const char* Pawn;      ///< the same, leading a pawn of the user's to its last square but one
+    const char* Promotion; ///< its way on
+    const char* San;       ///< as the engine is told it, without the piece
 };
-const Side White1{"White",
-                  "\tWhite(You)\tBlack\r\n",
-                  {{"e4", "e2e4"}, {"e5", "e7e5"}, {"Nf3", "g1f3"}, {"Nc6", "b8c6"}, {"Bb5", "f1b5"}, {"a6", "a7a6"}},
-                  {{"h4", "h2h4"},
-                   {"g5", "g7g5"},
-                   {"hxg5", "h4g5"},
-                   {"h6", "h7h6"},
-                   {"gxh6", "g5h6"},
-                   {"a6", "a7a6"},
-                   {"h7", "h6h7"},
-                   {"a5", "a6a5"}},
-                  "h7g8",
-                  "hxg8="};
-const Side Black1{"Black",
-                  "\tWhite\tBlack(You)\r\n",
-                  {{"e4", "e2e4"}, {"e5", "e7e5"}, {"Nf3", "g1f3"}, {"Nc6", "b8c6"}, {"Bb5", "f1b5"}},
-                  {{"a3", "a2a3"},
-                   {"h5", "h7h5"},
-                   {"g4", "g2g4"},
-                   {"hxg4", "h5g4"},
-                   {"h3", "h2h3"},
-                   {"gxh3", "g4h3"},
-                   {"a4", "a3a4"},
-                   {"h2", "h3h2"},
-                   {"a5", "a4a5"}},
-                  "h2g1",
-                  "hxg1="};
+const Side AsWhite{"White",
+                   "\tWhite(You)\tBlack\r\n",
+                   "e2e4 e4 e7e5 e5 g1f3 Nf3 b8c6 Nc6 f1b5 Bb5 a7a6 a6",
+                   "h2h4 h4 g7g5 g5 h4g5 hxg5 h7h6 h6 g5h6 gxh6 a7a6 a6 h6h7 h7 a6a5 a5",
+                   "h7g8",
+                   "hxg8="};
+const Side AsBlack{"Black",
+                   "\tWhite\tBlack(You)\r\n",
+                   "e2e4 e4 e7e5 e5 g1f3 Nf3 b8c6 Nc6 f1b5 Bb5",
+                   "a2a3 a3 h7h5 h5 g2g4 g4 h5g4 hxg4 h2h3 h3 g4h3 gxh3 a3a4 a4 h3h2 h2 a4a5 a5",
+                   "h2g1",
+                   "hxg1="};
 
-Square At(const char* name) {
+Square At(const std::string& name) {
     return {name[0] - 'a' + 1, 9 - (name[1] - '0')};
 }
 
 // `position` after the piece on the first square of "e2e4" has gone to the second.
-Position Played(const Position& position, const char* squares, int promote = NoPiece) {
+Position Played(const Position& position, const std::string& squares, int promote = NoPiece) {
     const MoveList moves = Legal(position);
     for (int i = 0; i < moves.Count; ++i) {
         MoveRec move = moves.Moves[i];
-        if (Square{move.FromFile, move.FromRow} != At(squares) || Target(move) != At(squares + 2)) continue;
+        if (Square{move.FromFile, move.FromRow} != At(squares) || Target(move) != At(squares.substr(2))) continue;
         if (promote != NoPiece) move.Promote = static_cast<std::uint8_t>(promote);
         return After(position, move);
     }
-    throw std::logic_error(std::string(squares) + " is no legal move");
+    throw std::logic_error(squares + " is no legal move");
 }
 
 class EveryCommand : public PlayedProgram, public testing::WithParamInterface<std::tuple<int, const Side*>> {
@@ -116,6 +91,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
     }
     void AwaitGame(const std::string& what) {
         Await(what, [&] { return Eye->Look() && Eye->Idle() && Eye->ShowsBoardOf(Game); });
+        if (!WaitForSleep()) throw std::runtime_error("no sleep after " + what);
     }
     void AwaitSetting(const std::string& line) {
         Await(line, [&] { return Contents(SettingsFile()).find("\n" + line + "\n") != std::string::npos; });
@@ -139,7 +115,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
         std::vector<MenuRow> rows;
         for (std::size_t depth = 1; depth <= path.size(); ++depth) {
             if (depth > 1) ClickRow(rows, path[depth - 1]);
-            const std::size_t count = ItemCounts.at({path.begin(), path.begin() + static_cast<std::ptrdiff_t>(depth)});
+            const std::size_t count = depth == 1 ? ItemCounts[path[0]] : SubmenuCounts[path[1]];
             Await("a menu", [&] {
                 const auto open = User.UnmanagedWindows();
                 if (open.size() != depth) return false;
@@ -199,29 +175,44 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
         User.Chord(name.empty() ? "Escape" : "Return");
         Await("no dialog", [&] { return User.FindWindow(title) == 0; });
     }
-    std::string Record(const std::vector<Ply>& plies, std::size_t count) const {
-        std::string text = Me.Header;
-        for (std::size_t i = 0; i < count; i += 2) {
-            text += std::to_string(i / 2 + 1) + ".\t" + plies[i].San + "\t" + (i + 1 < count ? plies[i + 1].San : "") +
-                    "\r\n";
+    // Fills Plies and Records with the game and loads it.
+    void Load(const char* moves) {
+        std::istringstream words(moves);
+        std::string squares;
+        std::string san;
+        Plies = {StartPosition};
+        Records = {Me.Header};
+        for (std::size_t ply = 0; words >> squares >> san; ++ply) {
+            Plies.push_back(Played(Plies.back(), squares));
+            const std::string white = std::to_string(ply / 2 + 1) + ".\t" + san + "\t";
+            std::string& last = Records.back();
+            Records.push_back(ply % 2 == 0 ? last + white + "\r\n" : last.substr(0, last.size() - 2) + san + "\r\n");
         }
-        return text;
-    }
-    void Load(const std::vector<Ply>& plies) {
-        std::ofstream("game.txt", std::ios::binary) << Record(plies, plies.size());
+        std::ofstream("game.txt", std::ios::binary) << Records.back();
         Choose({GameMenu, LoadItem});
         AnswerDialog(LoadTitle, "game.txt");
-        Plies = {StartPosition};
-        for (const Ply& ply : plies) Plies.push_back(Played(Plies.back(), ply.Squares));
         Game = Plies.back();
-        Eye->Flipped = ToTruth(&Me == &Black1);
+        Eye->Flipped = ToTruth(&Me == &AsBlack);
         AwaitGame("the loaded game");
     }
 
+    // Nothing else can be used while a message is shown, and it stays above.
     void AwaitBoxAndPressOk(const std::string& name) {
-        Await("a message", [&] { return Box() != 0; });
+        Await("a message", [&] { return BoxIsPainted(); });
         Keep(name);
+        Listen();
+        User.Activate(Window);
+        Await("the keys", [&] { return User.HasKeys(Window); });
+        Click(Eye->Middle(Mirrored({1, 8}, Eye->Flipped)));
+        ClickBar(HelpMenu);
+        ClickBar(GameMenu);
+        User.Chord("Ctrl+m");
+        Await("the message above", [&] { return WaitForSleep() && BoxIsPainted(); });
+        EXPECT_TRUE(User.UnmanagedWindows().empty());
         Await("its end", [&] { return TakeBoxAway(); });
+        AwaitGame("the board as before");
+        EXPECT_EQ(Eye->Mark(Mirrored({1, 8}, Eye->Flipped)), SquareMark::None);
+        EXPECT_EQ(Heard(), "\n");
     }
 
     // Leaves a picture of the window and what lies above it, where pictures are wanted.
@@ -258,7 +249,8 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
     std::vector<int> Bar; ///< the captions' middles
     WindowId Menu = 0;    ///< the one that was opened last
     std::size_t Listened = 0;
-    std::vector<Position> Plies; ///< of the loaded game
+    std::vector<Position> Plies;      ///< of the loaded game, after each of its plies
+    std::vector<std::string> Records; ///< and as it is saved there
 };
 
 void EveryCommand::ShowHelpAndHomePage() {
@@ -291,7 +283,7 @@ void EveryCommand::ShowHelpAndHomePage() {
 void EveryCommand::StartNewGames() {
     Choose({GameMenu, SaveItem});
     AwaitBoxAndPressOk("nothing-to-save");
-    for (const bool black : {true, false, &Me == &Black1}) {
+    for (const bool black : {true, false, &Me == &AsBlack}) {
         Listen();
         Choose({GameMenu, black ? NewAsBlack : NewAsWhite});
         Game = StartPosition;
@@ -325,7 +317,7 @@ void EveryCommand::ChooseStrengthAndPonder() {
 
 void EveryCommand::StepThroughAGame() {
     Load(Me.Opening);
-    const int last = static_cast<int>(Me.Opening.size());
+    const int last = static_cast<int>(Plies.size()) - 1;
     std::map<int, Surface> strips{{last, Eye->Strip()}};
     const std::pair<int, int> steps[] = {{BackToStart, 0}, {ForwardOne, 1}, {ForwardToEnd, last}, {BackOne, last - 1}};
     for (int way = 0; way < WayCount; ++way) {
@@ -336,7 +328,7 @@ void EveryCommand::StepThroughAGame() {
             EXPECT_EQ(Eye->Strip(), strips.try_emplace(ply, Eye->Strip()).first->second);
             EXPECT_EQ(Eye->Mark(At("e4")), item == ForwardOne ? SquareMark::Target : SquareMark::None);
             EXPECT_EQ(Eye->Mark(At("e2")), item == ForwardOne ? SquareMark::Origin : SquareMark::None);
-            EXPECT_EQ(Eye->LowerLight(), (ply % 2 == 0) == (&Me == &White1));
+            EXPECT_EQ(Eye->LowerLight(), (ply % 2 == 0) == (&Me == &AsWhite));
             ExpectMovesMark(item);
         }
     }
@@ -346,13 +338,11 @@ void EveryCommand::StepThroughAGame() {
 void EveryCommand::SaveAndCancel() {
     Choose({GameMenu, SaveItem});
     AnswerDialog(SaveTitle, "saved.txt");
-    const std::string record = Record(Me.Opening, Me.Opening.size() - 1);
-    Await("the record", [&] { return Contents("saved.txt") == record; });
+    Await("the record", [&] { return Contents("saved.txt") == Records[Records.size() - 2]; });
     for (const int item : {SaveItem, LoadItem}) {
         Choose({GameMenu, item});
         AnswerDialog(item == SaveItem ? SaveTitle : LoadTitle, "");
         AwaitBoxAndPressOk("error");
-        AwaitGame("the board as before");
     }
 }
 
@@ -397,7 +387,7 @@ void EveryCommand::PromoteToEachPiece() {
         Choose({OptionsMenu, PromoteMenu, piece}, before);
         Listen();
         Drag(At(Me.Promotion), At(Me.Promotion + 2));
-        Game = Played(Plies.back(), Me.Promotion, Knight + piece + (&Me == &Black1 ? BlackOffset : 0));
+        Game = Played(Plies.back(), Me.Promotion, Knight + piece + (&Me == &AsBlack ? BlackOffset : 0));
         const Position promoted = Game;
         TakeEngineMove();
         AwaitCommand(std::string(Me.San) + pieces[piece]);
@@ -423,7 +413,7 @@ void EveryCommand::ZoomThroughAllSizes() {
 
 // A message or a dialog must not keep the main window from being closed.
 void EveryCommand::CloseUnderAQuestion() {
-    if (&Me == &White1) {
+    if (&Me == &AsWhite) {
         Choose({GameMenu, NewAsWhite});
         Choose({GameMenu, SaveItem});
         Await("a message", [&] { return Box() != 0; });
@@ -451,8 +441,8 @@ TEST_P(EveryCommand, DoesWhatItSays) {
 std::string NameOf(const testing::TestParamInfo<EveryCommand::ParamType>& test) {
     return std::to_string(75 + 25 * std::get<0>(test.param)) + "As" + std::get<1>(test.param)->Name;
 }
-INSTANTIATE_TEST_SUITE_P(, EveryCommand, testing::Combine(testing::Values(0, 1, 7), testing::Values(&White1, &Black1)),
-                         NameOf);
+INSTANTIATE_TEST_SUITE_P(, EveryCommand,
+                         testing::Combine(testing::Values(0, 1, 7), testing::Values(&AsWhite, &AsBlack)), NameOf);
 
 } // namespace
 } // namespace quarnel::xdriver

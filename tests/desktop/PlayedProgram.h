@@ -47,7 +47,10 @@ class PlayedProgram : public testing::Test {
         Text start(StandardStart);
         notation::FenToPosition(start, Game);
     }
-    ~PlayedProgram() override { EndProgram(Process); }
+    ~PlayedProgram() override {
+        EndProgram(Process);
+        std::filesystem::current_path("/"); // the home goes away with the display
+    }
 
     void StartWith(const std::string& program, const std::string& settings,
                    const std::vector<std::string>& variables = {}) {
@@ -72,6 +75,22 @@ class PlayedProgram : public testing::Test {
         return User.WaitUntil([&] { return Eye->Look() && state(); });
     }
 
+    /// Waits until the program sleeps: all that was done has come to its end, and waiting costs nothing. Asleep is who
+    /// was not woken up between looks that all went through the display's server, too.
+    bool WaitForSleep() {
+        const std::string status = "/proc/" + std::to_string(Process) + "/status";
+        std::string before;
+        int same = 0;
+        return User.WaitUntil([&] {
+            User.Area(Window);
+            const std::string now = Contents(status);
+            const auto wakeUps = now.find("\nvoluntary_ctxt_switches");
+            if (wakeUps == now.npos || now.find("\nState:\tS") == now.npos) return false;
+            same = now.substr(wakeUps) == std::exchange(before, now.substr(wakeUps)) ? same + 1 : 0;
+            return same == 4;
+        });
+    }
+
     /// Waits until nobody thinks and the board shows a legal move played on Game, which is then played there, too;
     /// an all-zero record when that never came. Message boxes are taken away meanwhile.
     MoveRec TakeEngineMove() {
@@ -93,6 +112,10 @@ class PlayedProgram : public testing::Test {
     WindowId Box() {
         const WindowId box = User.FindWindow("Quarnel Chess");
         return box != 0 && User.Outline(box).size() >= 5 ? box : 0;
+    }
+    bool BoxIsPainted() {
+        const Surface box = User.GrabWindow(Box());
+        return !box.Empty() && box.At(box.Width() / 2, box.Height() - 12) == Rgb(206, 206, 206);
     }
     /// Presses "OK" in the message box, if it is there, and waits until it has gone.
     bool TakeBoxAway() {

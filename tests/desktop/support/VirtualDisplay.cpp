@@ -3,6 +3,7 @@
 #include "support/WindowDriver.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -64,28 +65,17 @@ pid_t StartProgram(const std::vector<std::string>& arguments, const std::vector<
                    int keptDescriptor) {
     const std::vector<char*> argv = Pointers(arguments);
     const std::vector<char*> envp = Pointers(environment);
-    int ready[2]; // tells the error of a failed start; closed by a successful one
-    if (pipe2(ready, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
     const pid_t parent = getpid();
     const pid_t child = fork();
-    if (child == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (getppid() != parent) _exit(1);
-        if (keptDescriptor >= 0) fcntl(keptDescriptor, F_SETFD, 0);
-        const int quiet = open("/dev/null", O_RDWR);
-        dup2(quiet, STDIN_FILENO);
-        execvpe(argv[0], argv.data(), envp.data());
-        const int error = errno;
-        [[maybe_unused]] const auto written = write(ready[1], &error, sizeof error);
-        _exit(127);
-    }
-    close(ready[1]);
-    int error = child < 0 ? errno : 0;
-    const bool failed = child < 0 || read(ready[0], &error, sizeof error) == sizeof error;
-    close(ready[0]);
-    if (!failed) return child;
-    if (child > 0) waitpid(child, nullptr, 0);
-    throw std::runtime_error(arguments[0] + " cannot be started: " + std::generic_category().message(error));
+    if (child < 0) throw std::system_error(errno, std::generic_category(), arguments[0]);
+    if (child > 0) return child;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);
+    if (keptDescriptor >= 0) fcntl(keptDescriptor, F_SETFD, 0);
+    dup2(open("/dev/null", O_RDWR), STDIN_FILENO);
+    execvpe(argv[0], argv.data(), envp.data());
+    std::perror(argv[0]);
+    _exit(127);
 }
 
 void EndProgram(pid_t& process) {
@@ -116,20 +106,14 @@ std::unique_ptr<VirtualDisplay> VirtualDisplay::Start(int width, int height) {
     std::unique_ptr<VirtualDisplay> display(new VirtualDisplay);
     int number[2];
     if (pipe2(number, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
-    try {
-        const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
-        display->server_ = StartProgram({"Xvfb", "-displayfd", std::to_string(number[1]), "-screen", "0", screen,
-                                         "-nolisten", "tcp", "-noreset", "-dpi", "96"},
-                                        display->Environment(), number[1]);
-    } catch (...) {
-        close(number[0]);
-        close(number[1]);
-        throw;
-    }
+    const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
+    display->server_ = StartProgram({"Xvfb", "-displayfd", std::to_string(number[1]), "-screen", "0", screen,
+                                     "-nolisten", "tcp", "-noreset", "-dpi", "96"},
+                                    display->Environment(), number[1]);
     close(number[1]);
     const std::string name = ReadDisplayNumber(number[0]);
     close(number[0]);
-    if (name.empty()) throw std::runtime_error("Xvfb ended before its display was ready.");
+    if (name.empty()) throw std::runtime_error("Xvfb is missing or ended before its display was ready.");
     display->name_ = ":" + name;
     const std::string settings = (display->home_ / "openbox.xml").string();
     std::ofstream(settings) << WindowManagerSettings;

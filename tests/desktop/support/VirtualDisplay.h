@@ -44,8 +44,8 @@ class VirtualDisplay {
     pid_t windowManager_ = 0;
 };
 
-/// Starts `program` (looked for in PATH) with `environment`; the process ends when this one does. Throws
-/// std::runtime_error when it cannot be started. `keptDescriptor` stays open in it when it is not -1.
+/// Starts a program (looked for in PATH) with `environment`; the process ends when this one does, and at once, with
+/// status 127 and a line on stderr, when there is no such program. `keptDescriptor` stays open in it unless it is -1.
 pid_t StartProgram(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
                    int keptDescriptor = -1);
 
