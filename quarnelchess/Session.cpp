@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 namespace quarnel::engine {
 namespace {
@@ -43,7 +44,7 @@ std::uint8_t ReadRights(std::string_view field, char kingSide, char queenSide) {
 
 Session::Session(Clock& clock, InputCallback input, OutputCallback output)
     : clock_(clock), input_(std::move(input)), output_(std::move(output)), search_(clock) {
-    search_.SetSeed(static_cast<std::uint64_t>(clock_.NowMs()));
+    SetSeed();
     ResetPosition(RecordFromBoard(Board::Start()), 0);
 }
 
@@ -142,7 +143,7 @@ bool Session::ObeyPositionCommand(std::string_view word, std::string_view rest) 
         if (thinking_) Force();
         StopPondering();
         search_.NewGame();
-        search_.SetSeed(static_cast<std::uint64_t>(clock_.NowMs())); // no two games alike
+        SetSeed();
         ResetPosition(RecordFromBoard(Board::Start()), 0);
         return true;
     }
@@ -177,6 +178,12 @@ bool Session::SetSide(Color side) {
     return true;
 }
 
+/// No two games alike.
+void Session::SetSeed() {
+    random_ = static_cast<std::uint64_t>(clock_.NowMs());
+    search_.SetSeed(random_);
+}
+
 void Session::ResetPosition(const Position& position, int plies) {
     record_ = position;
     board_ = BoardFromRecord(record_, SideToMove());
@@ -200,7 +207,7 @@ bool Session::UserMove(std::string_view text) {
     const bool asExpected = pondering_ && expected_ && MoveFromRecord(*board_, legal.Moves[index]) == expected_;
     if (!asExpected) StopPondering();
     PlayRecord(legal.Moves[index]);
-    if (asExpected) {
+    if (asExpected && !InBook()) {
         // The search already looks at this very position: let its time run.
         pondering_ = false;
         thinking_ = true;
@@ -234,6 +241,10 @@ SearchLimits Session::Limits() const {
     return limits;
 }
 
+bool Session::InBook() const {
+    return board_ && !book_.Moves(*board_, Book::KnownPlies(skill_)).empty();
+}
+
 void Session::Go() {
     StopPondering();
     if (LegalMoves().Count == 0) {
@@ -247,14 +258,20 @@ void Session::Go() {
     clockMarkMs_.reset();
     deadlineMs_ = countedFromMs + BudgetMs();
     if (!board_) return; // a position beyond the search is answered by a plain legal move
+    bookMove_ = book_.Choose(*board_, Book::KnownPlies(skill_), random_++);
+    if (bookMove_) return;
+    SearchLimits limits = Limits();
+    limits.StartMs = countedFromMs;
+    StartSearch({*board_, earlier_}, limits);
+}
+
+void Session::StartSearch(const SearchRoot& root, const SearchLimits& limits) {
     if (settingsChanged_) {
         search_.SetThreads(threads_);
         search_.SetHash(hashMb_);
         settingsChanged_ = false;
     }
-    SearchLimits limits = Limits();
-    limits.StartMs = countedFromMs;
-    search_.Start({*board_, earlier_}, limits);
+    search_.Start(root, limits);
 }
 
 void Session::Ponder() {
@@ -268,7 +285,7 @@ void Session::Ponder() {
     // Without an expected move the user's own choices are looked at: what the table learns serves the answer.
     SearchLimits limits = Limits();
     limits.Ponder = true;
-    search_.Start(root, limits);
+    StartSearch(root, limits);
     pondering_ = true;
 }
 
@@ -291,7 +308,21 @@ bool Session::ReplyIsDue() {
     // The reply is held back for a moment, so that it can be seen coming.
     const std::int64_t now = clock_.NowMs();
     if (now - searchStartMs_ < ShownThinkingMs) return false;
-    return !board_ || !search_.IsRunning() || now >= deadlineMs_;
+    return !board_ || bookMove_ || !search_.IsRunning() || now >= deadlineMs_;
+}
+
+/// What the book or the search has to say.
+SearchResult Session::TakeResult() {
+    if (!bookMove_) {
+        search_.Stop();
+        return search_.Result();
+    }
+    SearchResult result;
+    result.Best = std::exchange(bookMove_, Move{});
+    Board next = *board_;
+    next.Make(result.Best);
+    result.Reply = book_.Likeliest(next, Book::KnownPlies(100));
+    return result;
 }
 
 void Session::Answer() {
@@ -299,8 +330,7 @@ void Session::Answer() {
     MoveRec move = legal.Moves[0];
     expected_ = {};
     if (board_) {
-        search_.Stop();
-        const SearchResult result = search_.Result();
+        const SearchResult result = TakeResult();
         move = RecordFromMove(*board_, result.Best);
         expected_ = result.Reply;
     }

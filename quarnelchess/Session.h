@@ -30,9 +30,11 @@
 //              ponder (while thinking)     kept for when the search ends                    same
 //              anything else               "I do not understand."                           same
 //
-// So every search has exactly one move line, and "force" is always answered by exactly one.
+// So every search has exactly one move line, and "force" is always answered by exactly one. A position that the
+// opening book knows needs no search; its answer is held back for a moment like every other.
 #pragma once
 
+#include "Book.h"
 #include "Clock.h"
 #include "Search.h"
 
@@ -75,12 +77,14 @@ class Session {
     bool SetSide(Color side);
     bool UserMove(std::string_view text);
     void Go();
+    void StartSearch(const SearchRoot& root, const SearchLimits& limits);
     void Force();
     void Ponder();
     void StopPondering();
 
     bool ReplyIsDue();
     void Answer();
+    SearchResult TakeResult();
     void PlayRecord(const MoveRec& move);
     bool AnnounceEnd();
     void ResetPosition(const Position& position, int plies);
@@ -89,12 +93,16 @@ class Session {
     Color SideToMove() const { return record_.SideToMove != 0 ? Black : White; }
     MoveList LegalMoves() const;
     SearchLimits Limits() const;
+    bool InBook() const;
+    void SetSeed();
     std::int64_t BudgetMs() const { return tenths_ * 100; }
 
     Clock& clock_;
     InputCallback input_;
     OutputCallback output_;
     Search search_;
+    const Book& book_ = Book::Openings();
+    std::uint64_t random_ = 0; // of the next choice from the book
 
     // The game: the record always, the board whenever it can hold the position.
     Position record_;
@@ -108,7 +116,8 @@ class Session {
     bool thinking_ = false;
     bool pondering_ = false;
     bool ponderWanted_ = false;
-    Move expected_; // the user's move that the last search expects
+    Move expected_; // the user's move that the last answer expects
+    Move bookMove_; // the answer owed, when the book has one and nothing is searched
     std::int64_t searchStartMs_ = 0;
     std::int64_t deadlineMs_ = 0;
     std::optional<std::int64_t> clockMarkMs_;

@@ -83,7 +83,7 @@ std::string_view Trimmed(std::string_view text) {
 
 Uci::Uci(Clock& clock, Output output) : clock_(clock), output_(std::move(output)), search_(clock), elo_(HighestElo) {
     DeclareOptions();
-    search_.SetSeed(static_cast<std::uint64_t>(clock_.NowMs()));
+    ApplySeed();
 }
 
 Uci::~Uci() {
@@ -140,7 +140,7 @@ void Uci::Ready(std::string_view) {
 void Uci::NewGame(std::string_view) {
     FinishSearch({});
     search_.NewGame();
-    search_.SetSeed(static_cast<std::uint64_t>(seed_ != 0 ? seed_ : clock_.NowMs()));
+    ApplySeed();
     root_ = {};
 }
 
@@ -197,7 +197,7 @@ void Uci::SetOption(std::string_view rest) {
     if (!option->Take(value)) return Complain("unfit value for " + std::string(option->Name), value);
     if (option->Name == "Seed") {
         FinishSearch({});
-        search_.SetSeed(static_cast<std::uint64_t>(seed_ != 0 ? seed_ : clock_.NowMs()));
+        ApplySeed();
     }
 }
 
@@ -206,6 +206,11 @@ void Uci::ApplySettings() {
     search_.SetThreads(threads_);
     search_.SetHash(static_cast<std::size_t>(hashMb_));
     settingsChanged_ = false;
+}
+
+void Uci::ApplySeed() {
+    random_ = static_cast<std::uint64_t>(seed_ != 0 ? seed_ : clock_.NowMs());
+    search_.SetSeed(random_);
 }
 
 int Uci::SkillForElo(int elo) {
@@ -303,12 +308,24 @@ void Uci::Go(std::string_view rest) {
     SearchLimits limits = ReadLimits(rest);
     limits.MultiPv = multiPv_;
     limits.Skill = limitStrength_ ? SkillForElo(elo_) : skill_;
+    if (ownBook_ && AnswerFromBook(limits)) return;
     startMs_ = limits.StartMs = clock_.NowMs();
     linesShown_ = multiPv_;
     shownBest_ = {};
     inCheck_ = root_.Position.InCheck();
     search_.Start(root_, limits, [this](const SearchInfo& info) { ShowInfo(info); });
     answer_ = std::thread([this] { ShowAnswer(search_.Result()); });
+}
+
+/// Not when the interface asks for thoughts rather than a move.
+bool Uci::AnswerFromBook(const SearchLimits& limits) {
+    if (limits.Infinite || limits.Ponder || mateWanted_ > 0 || !limits.OnlyMoves.empty()) return false;
+    const Move move = book_.Choose(root_.Position, Book::KnownPlies(limits.Skill), random_++);
+    if (!move) return false;
+    Board next = root_.Position;
+    next.Make(move);
+    SayBestMove(move, book_.Likeliest(next, Book::KnownPlies(100)));
+    return true;
 }
 
 void Uci::PonderHit(std::string_view) {
@@ -342,19 +359,23 @@ void Uci::ShowInfo(const SearchInfo& info) {
 void Uci::ShowAnswer(const SearchResult& result) {
     if (!result.Best) {
         Say(std::string("info depth 0 score ") + (inCheck_ ? "mate 0" : "cp 0"));
-        Say("bestmove 0000");
+        SayBestMove({}, {});
         return;
     }
-    const std::string reply = result.Reply ? MoveText(result.Reply) : "";
     const std::int64_t elapsedMs = clock_.NowMs() - startMs_;
     std::string line = "info";
     // The move may have come up since the last whole line.
     if (result.Best != shownBest_)
         line += " depth " + std::to_string(result.Depth) + " score " + ScoreText(result.Value);
     line += SpeedText(result.Nodes, elapsedMs) + " time " + std::to_string(elapsedMs);
-    if (result.Best != shownBest_) line += " pv " + MoveText(result.Best) + (reply.empty() ? "" : " " + reply);
+    if (result.Best != shownBest_)
+        line += " pv " + MoveText(result.Best) + (result.Reply ? " " + MoveText(result.Reply) : "");
     Say(line);
-    Say("bestmove " + MoveText(result.Best) + (reply.empty() ? "" : " ponder " + reply));
+    SayBestMove(result.Best, result.Reply);
+}
+
+void Uci::SayBestMove(Move best, Move reply) {
+    Say("bestmove " + MoveText(best) + (reply ? " ponder " + MoveText(reply) : ""));
 }
 
 } // namespace quarnel::engine

@@ -5,6 +5,7 @@
 // A command that needs the search to rest (go, ucinewgame, another table size) ends a running one first.
 #pragma once
 
+#include "quarnelchess/Book.h"
 #include "quarnelchess/Clock.h"
 #include "quarnelchess/Search.h"
 
@@ -59,8 +60,11 @@ class Uci {
 
     SearchLimits ReadLimits(std::string_view rest);
     void ApplySettings();
+    void ApplySeed();
+    bool AnswerFromBook(const SearchLimits& limits);
     void ShowInfo(const SearchInfo& info);
     void ShowAnswer(const SearchResult& result);
+    void SayBestMove(Move best, Move reply);
     void Say(const std::string& line);
     void Complain(std::string_view what, std::string_view text);
 
@@ -68,7 +72,9 @@ class Uci {
     Output output_;
     std::mutex outputMutex_;
     Search search_;
-    std::thread answer_; // waits for the search and says its move
+    const Book& book_ = Book::Openings();
+    std::uint64_t random_ = 0; // of the next choice from the book
+    std::thread answer_;       // waits for the search and says its move
 
     SearchRoot root_;
     std::vector<Option> options_;

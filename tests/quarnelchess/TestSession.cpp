@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <vector>
 
 namespace quarnel::engine {
@@ -79,6 +80,8 @@ bool IsMoveLine(const std::string& text, const std::string& prefix) {
 }
 
 const char* const OnlyReply = "setboard 7k/8/8/8/8/8/q7/K7 w - - 0 1"; // Kxa2 is White's only move
+// A position that no opening leads to, so that it takes a search.
+const char* const Middlegame = "setboard r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - - 0 10";
 
 TEST(Session, AnswersAUserMoveForTheOtherSide) {
     Dialogue d;
@@ -141,7 +144,7 @@ TEST(Session, AnnouncesMateAndStalemateInATextOfTheirOwn) {
 
 TEST(Session, ForceEndsTheSearchWithExactlyOneMoveLine) {
     Dialogue d;
-    d.HandOver({"skill 100 100", "e4"});
+    d.HandOver({"skill 100 100", Middlegame, "h3"});
     ASSERT_TRUE(d.TheSession.IsThinking());
     const std::int64_t before = d.Time.NowMs();
     d.HandOver({"force"});
@@ -152,7 +155,7 @@ TEST(Session, ForceEndsTheSearchWithExactlyOneMoveLine) {
     // Nothing comes late, and the next user move is searched again.
     d.Settle();
     EXPECT_EQ(d.Texts.size(), 1U);
-    d.Say({"a3"});
+    d.Say({"Kh1"});
     ASSERT_EQ(d.Texts.size(), 2U);
     EXPECT_TRUE(IsMoveLine(d.Texts[1], "Black(2): ")) << d.Texts[1];
 }
@@ -170,7 +173,7 @@ TEST(Session, ForceWithoutASearchPlaysNothing) {
 TEST(Session, AnAbandonedSearchIsFollowedByTheNewPosition) {
     Dialogue d;
     // "New Game as Black" while the engine thinks.
-    d.HandOver({"skill 100 100", "e4"});
+    d.HandOver({"skill 100 100", Middlegame, "h3"});
     d.Say({"force", "setboard rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", "white", "movenumber 0",
            "sync", "go"});
     ASSERT_EQ(d.Texts.size(), 2U);
@@ -234,7 +237,7 @@ TEST(Session, AsksUntilNothingComesAndThenMayWait) {
 
 TEST(Session, NeverLetsTheProgramWaitWhileAMoveIsOwed) {
     Dialogue d;
-    d.HandOver({"skill 100 20", "e4"});
+    d.HandOver({"skill 100 20", Middlegame, "h3"});
     const std::size_t begin = d.Log.size();
     const std::int64_t before = d.Time.NowMs();
     while (d.Texts.empty()) d.TheSession.Step();
@@ -276,7 +279,7 @@ TEST(Session, HoldsAReplyBackUntilItsThinkingCanBeSeen) {
 
 TEST(Session, TakesItsTimeFromTheClockMark) {
     Dialogue d;
-    d.HandOver({"skill 100 20", "sync"});
+    d.HandOver({"skill 100 20", Middlegame, "sync"});
     const std::int64_t marked = d.Time.NowMs();
     d.Time.Advance(900);
     d.HandOver({"go"});
@@ -291,7 +294,7 @@ TEST(Session, PondersOnTheUsersTimeAndPlaysOnAfterAHitOrAMiss) {
     ASSERT_EQ(d.Texts[0], "White(1): Ra8 "); // mate: nothing to think about
     EXPECT_FALSE(d.TheSession.IsPondering());
     d.Texts.clear();
-    d.Say({"new", "skill 100 3", "e4"});
+    d.Say({"new", "skill 100 3", Middlegame, "h3"});
     EXPECT_TRUE(d.TheSession.IsPondering());
     // Settings and the clock mark leave it alone; it says it may wait.
     d.Say({"skill 100 4", "sync", "mt = 2"});
@@ -330,6 +333,41 @@ TEST(Session, AnswersTheExpectedMoveAndEveryOtherOnce) {
     }
 }
 
+TEST(Session, OpensGamesInManyWaysAtEveryLevel) {
+    Dialogue d;
+    for (const char* skill :
+         {"skill 0 10", "skill 10 10", "skill 20 10", "skill 30 10", "skill 50 10", "skill 75 10", "skill 100 100"}) {
+        for (const char* line : {"go", "e4"}) {
+            std::set<std::string> answers;
+            for (int game = 0; game < 24; ++game) {
+                d.Time.Advance(1);
+                d.HandOver({skill, "new", line, "force"});
+                answers.insert(d.Texts.back());
+            }
+            EXPECT_GE(answers.size(), 4U) << skill << ": " << line;
+        }
+    }
+}
+
+TEST(Session, AnswersFromTheBookWithoutASearch) {
+    Dialogue d;
+    d.HandOver({"skill 100 100", "ponder on", "setboard rnbqkbnr/pppppppp/8/8/8/N7/PPPPPPPP/R1BQKBNR b KQkq - 1 1"});
+    // The move that the book expects leads on to another of its answers, whatever the search made of it.
+    const struct {
+        const char* Line;
+        const char* Answer;
+    } cases[] = {{"go", "Black(1): e5 "}, {"c4", "Black(2): Nf6 "}};
+    for (const auto& c : cases) {
+        const std::int64_t before = d.Time.NowMs();
+        d.HandOver({c.Line});
+        while (d.TheSession.IsThinking()) d.TheSession.Step();
+        EXPECT_EQ(d.Texts.back(), c.Answer);
+        EXPECT_GE(d.Time.NowMs() - before, 300);
+        EXPECT_LE(d.Time.NowMs() - before, 310);
+        EXPECT_TRUE(d.TheSession.IsPondering());
+    }
+}
+
 TEST(Session, ServesTheRulesFromInsideBothCallbacksWhileItSearches) {
     Dialogue d;
     int calls = 0;
@@ -344,7 +382,7 @@ TEST(Session, ServesTheRulesFromInsideBothCallbacksWhileItSearches) {
     };
     d.DuringInput = askRules;
     d.DuringOutput = askRules;
-    d.Say({"mt = 2", "skill 100 10", "e4"});
+    d.Say({"mt = 2", "skill 100 10", Middlegame, "h3"});
     EXPECT_EQ(d.Texts.size(), 1U);
     EXPECT_GT(calls, 50);
 }
