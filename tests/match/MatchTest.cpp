@@ -104,6 +104,7 @@ TEST(Referee, AdjudicatesWhatBothPlayersSee) {
         {"a mate in sight", 20, 30000, -30000, 4, 0, 0, Outcome{2, Ending::AdjudicatedWin}},
         {"only one tells a score", 20, 900, none, 9, 0, 9, std::nullopt},
         {"even", 80, 10, 10, 8, 0, 0, Outcome{1, Ending::AdjudicatedDraw}},
+        {"even for the only one who tells", 80, 0, none, 9, 0, 9, std::nullopt},
         {"even, but too early", 64, 0, 0, 8, 0, 0, std::nullopt},
         {"even with a gap", 80, 0, 0, 7, 11, 7, std::nullopt},
         {"nearly even", 80, 11, -11, 9, 0, 7, std::nullopt},
