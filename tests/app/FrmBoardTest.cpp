@@ -81,18 +81,5 @@ TEST_F(MainWindow, ADamagedZoomKeepsTheDesignedWindowAndIndexesOutsideTheirTable
     });
 }
 
-TEST_F(MainWindow, ChoicesSurviveARestart) {
-    Play([&] {
-        Choose(Game->Settings.cs[2]);
-        Choose(Game->Zoom.vw[2]);
-        Choose(Game->Settings.pnd);
-    });
-    Play([&] {
-        EXPECT_THAT(StartLines, testing::IsSupersetOf({"ponder on", "skill 30 5"}));
-        EXPECT_EQ(State().Zoom, 1.25F);
-        EXPECT_TRUE(Game->Zoom.vw[2].Checked && Game->Settings.pnd.Checked);
-    });
-}
-
 } // namespace
 } // namespace quarnel

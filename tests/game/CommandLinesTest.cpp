@@ -156,6 +156,7 @@ TEST_F(CommandLines, WhileTheEngineThinksALevelIsSentAtOnceAndPonderingWhenTheSe
         SayMove("Black", "e5");
         EXPECT_THAT(Engine.Pull(), ElementsAre("ponder on"));
         EXPECT_EQ(Saved("ponder"), u"-1");
+        EXPECT_EQ(Saved("level"), u"1");
         EXPECT_THAT(Choose(NewAsWhite()), ElementsAre("new", "skill 20 5"));
     });
 }
