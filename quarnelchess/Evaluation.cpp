@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <initializer_list>
 
 namespace quarnel::engine {
@@ -320,10 +321,14 @@ int Blend(const Board& board, Score score, int scale) {
 
 } // namespace
 
+void Evaluation::ResizePawnCache(std::size_t bytes) {
+    pawns_.assign(std::bit_floor(std::max<std::size_t>(bytes / sizeof(PawnEntry), 1)), {});
+}
+
 int Evaluation::Evaluate(const Board& board) {
     int value = 0;
     if (!EvaluateKnownEnding(board, value)) {
-        PawnEntry* entry = &pawns_[board.PawnKey() & (PawnCacheSize - 1)];
+        PawnEntry* entry = &pawns_[board.PawnKey() & (pawns_.size() - 1)];
         Score score = Evaluator<false>(board, entry, nullptr).Run();
         score += board.SideToMove() == White ? Weights[TempoWeight] : -Weights[TempoWeight];
         value = Blend(board, score, EndgameScale(board, score.Eg > 0 ? White : Black));

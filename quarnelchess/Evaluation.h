@@ -23,7 +23,10 @@ struct EvaluationTrace {
 
 class Evaluation {
   public:
-    Evaluation() : pawns_(PawnCacheSize) {}
+    Evaluation() : pawns_(std::size_t{1} << 14) {}
+
+    /// Gives the cached pawn structures so many bytes, rounded down to a power of two of entries, and forgets them.
+    void ResizePawnCache(std::size_t bytes);
 
     /// Centipawns from the side to move's view, well within the mate values. The position should not
     /// be a check.
@@ -33,8 +36,6 @@ class Evaluation {
     static int Explain(const Board& board, EvaluationTrace& trace);
 
   private:
-    static constexpr std::size_t PawnCacheSize = 1 << 14; // entries, a power of two
-
     struct PawnEntry {
         Key PawnKey = ~Key{0};
         Score Value; // White's view
@@ -43,7 +44,7 @@ class Evaluation {
     template <bool Traced>
     friend class Evaluator;
 
-    std::vector<PawnEntry> pawns_;
+    std::vector<PawnEntry> pawns_; // a power of two
 };
 
 } // namespace quarnel::engine

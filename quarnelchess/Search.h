@@ -82,6 +82,8 @@ class Search {
     // Settings: they wait for a running search to end.
     void SetThreads(int count); // 1..64
     void SetHash(std::size_t megabytes);
+    /// Room for pawn structures, shared out among the threads; each has at least 64 kB.
+    void SetPawnCache(std::size_t megabytes);
     /// With one thread and a node or depth limit, the same seed searches the same way every time.
     void SetSeed(std::uint64_t seed);
     /// Forgets everything learned.
@@ -113,10 +115,12 @@ class Search {
     const SearchWorker& BestWorker() const;
     Move ExpectedReply(const std::vector<Move>& line) const;
     void SetDeadlines();
+    void ShareOutPawnCache();
 
     Clock& clock_;
     TranspositionTable table_;
     std::vector<std::unique_ptr<SearchWorker>> workers_;
+    std::size_t pawnCacheBytes_ = 1 << 20;
     std::uint64_t seed_ = 0;
 
     SearchRoot root_;

@@ -35,6 +35,14 @@ bool ReadLoosePlacement(std::string_view field, Position& position) {
     return square == 64;
 }
 
+/// A size like "64M".
+std::optional<std::size_t> ReadMegabytes(std::string_view text) {
+    if (text.size() < 2 || text.back() != 'M') return std::nullopt;
+    const std::optional<int> size = ReadNumber(text.substr(0, text.size() - 1), 1, 1024);
+    if (!size) return std::nullopt;
+    return static_cast<std::size_t>(*size);
+}
+
 std::uint8_t ReadRights(std::string_view field, char kingSide, char queenSide) {
     return static_cast<std::uint8_t>((field.find(kingSide) != std::string_view::npos ? 1 : 0) +
                                      (field.find(queenSide) != std::string_view::npos ? 2 : 0));
@@ -115,13 +123,14 @@ bool Session::ObeySetting(std::string_view word, std::string_view rest) {
         return true;
     }
     if (word == "adaptive") {
-        // Five sizes; the third is the transposition table's.
-        const std::string_view third = NextWord(rest);
-        if (third.size() < 2 || third.back() != 'M') return false;
-        const std::optional<int> size = ReadNumber(third.substr(0, third.size() - 1), 1, 1024);
-        if (!size) return false;
-        settingsChanged_ |= hashMb_ != static_cast<std::size_t>(*size);
-        hashMb_ = static_cast<std::size_t>(*size);
+        // Five sizes: the second is the pawn structures', the third the transposition table's; for the others
+        // there is no table.
+        const std::optional<std::size_t> pawnCache = ReadMegabytes(second);
+        const std::optional<std::size_t> hash = ReadMegabytes(NextWord(rest));
+        if (!pawnCache || !hash) return false;
+        settingsChanged_ |= pawnCacheMb_ != *pawnCache || hashMb_ != *hash;
+        pawnCacheMb_ = *pawnCache;
+        hashMb_ = *hash;
         return true;
     }
     return false;
@@ -268,6 +277,7 @@ void Session::Go() {
 void Session::StartSearch(const SearchRoot& root, const SearchLimits& limits) {
     if (settingsChanged_) {
         search_.SetThreads(threads_);
+        search_.SetPawnCache(pawnCacheMb_);
         search_.SetHash(hashMb_);
         settingsChanged_ = false;
     }
