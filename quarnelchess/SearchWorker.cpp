@@ -224,6 +224,7 @@ void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply)
     search_.table_.Prefetch(next.PositionKey());
     PlyState& state = At(ply);
     state.Current = move;
+    state.CurrentIsQuiet = !board.IsNoisy(move);
     state.Answers = &history_.After(board.At(move.From()), move.To());
 }
 
@@ -269,6 +270,15 @@ void SearchWorker::RewardCutoff(const Board& board, int ply, Move best, const Tr
         }
     }
     for (int i = 0; i < noisies.Count; ++i) noisy(noisies.Moves[i], -bonus);
+}
+
+/// Nothing helps here: the quiet move that led here was a good one.
+void SearchWorker::RewardRefutation(const Board& board, int ply, int depth) {
+    const PlyState& before = At(ply - 1);
+    if (!before.Current || !before.CurrentIsQuiet || before.Current.Kind() == MoveKind::Castling) return;
+    const int bonus = HistoryBonus(depth) / 2;
+    history_.Quiet(~board.SideToMove(), before.Current).Add(bonus);
+    AddContinuation(board.At(before.Current.To()), before.Current.To(), ply - 1, bonus);
 }
 
 void SearchWorker::RememberRootMove(Move move, int moveCount, int value, int alpha) {
@@ -514,6 +524,7 @@ int SearchWorker::SearchNode(const Board& board, int alpha, int beta, int depth,
     if (moveCount == 0) return excluded ? alpha : inCheck ? -MateValue + ply : DrawValue;
     if (bestValue >= beta) RewardCutoff(board, ply, bestMove, triedQuiets, triedNoisies, depth);
     if (excluded) return bestValue;
+    if (!root && bestValue <= alphaBefore) RewardRefutation(board, ply, depth);
 
     const Bound bound = bestValue >= beta ? Bound::Lower : bestValue > alphaBefore ? Bound::Exact : Bound::Upper;
     if (!root || lineIndex_ == 0)

@@ -20,6 +20,7 @@ class SearchWorker {
     SearchWorker(Search& search, int index);
 
     void Clear();
+    void ResizePawnCache(std::size_t bytes) { evaluation_.ResizePawnCache(bytes); }
     /// Deepens until a limit or a stop; worker 0 decides about time and reports.
     void Think();
 
@@ -31,7 +32,8 @@ class SearchWorker {
   private:
     struct PlyState {
         Move Killers[2];
-        Move Current;  // the move being searched; no move after a passed turn
+        Move Current; // the move being searched; no move after a passed turn
+        bool CurrentIsQuiet = false;
         Move Excluded; // left out while its singularity is tested
         Continuation* Answers = nullptr;
         int StaticEval = NoValue;
@@ -64,6 +66,7 @@ class SearchWorker {
     void UpdateLine(int ply, Move move);
     void RewardCutoff(const Board& board, int ply, Move best, const TriedMoves& quiets, const TriedMoves& noisies,
                       int depth);
+    void RewardRefutation(const Board& board, int ply, int depth);
     void AddContinuation(Piece piece, Square to, int ply, int bonus);
     void RememberRootMove(Move move, int moveCount, int value, int alpha);
     void Report(int index) const;
