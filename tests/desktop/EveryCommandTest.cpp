@@ -35,19 +35,33 @@ struct Side {
     const char* Pawn;      ///< the same, leading a pawn of the user's to its last square but one
     const char* Promotion; ///< its way on
     const char* San;       ///< as the engine is told it, without the piece
+    const char* Mate;      ///< moves up to the user's last one
+    const char* MatingMove;
+    const char* Stalemate;
+    const char* StalingMove;
 };
 const Side AsWhite{"White",
                    "\tWhite(You)\tBlack\r\n",
                    "e2e4 e4 e7e5 e5 g1f3 Nf3 b8c6 Nc6 f1b5 Bb5 a7a6 a6",
                    "h2h4 h4 g7g5 g5 h4g5 hxg5 h7h6 h6 g5h6 gxh6 a7a6 a6 h6h7 h7 a6a5 a5",
                    "h7g8",
-                   "hxg8="};
+                   "hxg8=",
+                   "e2e4 e4 e7e5 e5 f1c4 Bc4 b8c6 Nc6 d1h5 Qh5 g8f6 Nf6",
+                   "h5f7",
+                   "e2e3 e3 a7a5 a5 d1h5 Qh5 a8a6 Ra6 h5a5 Qxa5 h7h5 h5 h2h4 h4 a6h6 Rah6 a5c7 Qxc7 f7f6 f6 "
+                   "c7d7 Qxd7+ e8f7 Kf7 d7b7 Qxb7 d8d3 Qd3 b7b8 Qxb8 d3h7 Qh7 b8c8 Qxc8 f7g6 Kg6",
+                   "c8e6"};
 const Side AsBlack{"Black",
                    "\tWhite\tBlack(You)\r\n",
                    "e2e4 e4 e7e5 e5 g1f3 Nf3 b8c6 Nc6 f1b5 Bb5",
                    "a2a3 a3 h7h5 h5 g2g4 g4 h5g4 hxg4 h2h3 h3 g4h3 gxh3 a3a4 a4 h3h2 h2 a4a5 a5",
                    "h2g1",
-                   "hxg1="};
+                   "hxg1=",
+                   "f2f3 f3 e7e5 e5 g2g4 g4",
+                   "d8h4",
+                   "a2a3 a3 e7e6 e6 a3a4 a4 d8h4 Qh4 a1a3 Ra3 h4a4 Qxa4 h2h4 h4 h7h5 h5 a3h3 Rah3 a4c2 Qxc2 f2f3 f3 "
+                   "c2d2 Qxd2+ e1f2 Kf2 d2b2 Qxb2 d1d6 Qd6 b2b1 Qxb1 d6h2 Qh2 b1c1 Qxc1 f2g3 Kg3",
+                   "c1e3"};
 
 Square At(const std::string& name) {
     return {name[0] - 'a' + 1, 9 - (name[1] - '0')};
@@ -172,6 +186,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
         User.Activate(dialog);
         Await("the keys", [&] { return User.HasKeys(dialog); });
         User.Type(name);
+        Keep("dialog", User.Area(dialog));
         User.Chord(name.empty() ? "Escape" : "Return");
         Await("no dialog", [&] { return User.FindWindow(title) == 0; });
     }
@@ -212,21 +227,21 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
         Await("its end", [&] { return TakeBoxAway(); });
         AwaitGame("the board as before");
         EXPECT_EQ(Eye->Mark(Mirrored({1, 8}, Eye->Flipped)), SquareMark::None);
-        EXPECT_EQ(Heard(), "\n");
+        EXPECT_EQ(Heard().find("\ngo\n"), std::string::npos);
     }
 
-    // Leaves a picture of the window and what lies above it, where pictures are wanted.
-    void Keep(const std::string& name) {
+    // Leaves a picture of the window and the menus above it, or of `area`, where pictures are wanted.
+    void Keep(const std::string& name, std::optional<Rectangle> area = std::nullopt) {
         const char* folder = std::getenv("QUARNEL_PICTURES");
         if (folder == nullptr) return;
-        Rectangle area = User.Area(Window).value_or(Rectangle());
+        if (!area) area = User.Area(Window);
         for (const WindowId menu : User.UnmanagedWindows()) {
-            const Rectangle other = User.Area(menu).value_or(area);
-            area.Right = std::max(area.Right, other.Right);
-            area.Bottom = std::max(area.Bottom, other.Bottom);
+            const Rectangle other = User.Area(menu).value_or(*area);
+            area->Right = std::max(area->Right, other.Right);
+            area->Bottom = std::max(area->Bottom, other.Bottom);
         }
         const std::string zoom = std::to_string(75 + 25 * ZoomIndex);
-        WritePng(std::string(folder) + "/" + zoom + "-" + Me.Name + "-" + name + ".png", User.Grab(area));
+        WritePng(std::string(folder) + "/" + zoom + "-" + Me.Name + "-" + name + ".png", User.Grab(*area));
     }
 
     // The walk's stages.
@@ -238,6 +253,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
     void LetTheEngineMove();
     void StopTheEngine();
     void PromoteToEachPiece();
+    void EndGamesAndLoadNonsense();
     void ZoomThroughAllSizes();
     void CloseUnderAQuestion();
 
@@ -399,6 +415,24 @@ void EveryCommand::PromoteToEachPiece() {
     }
 }
 
+void EveryCommand::EndGamesAndLoadNonsense() {
+    const auto endWith = [&](const char* name, const char* moves, const char* last) {
+        Load(moves);
+        Drag(At(last), At(last + 2));
+        Game = Played(Game, last);
+        EXPECT_EQ(Legal(Game).Count, 0);
+        AwaitBoxAndPressOk(name);
+    };
+    endWith("stalemate", Me.Stalemate, Me.StalingMove);
+    endWith("checkmate", Me.Mate, Me.MatingMove);
+    EXPECT_FALSE(Eye->LowerLight() || Eye->UpperLight());
+    std::ofstream("nonsense.txt", std::ios::binary) << Me.Header << "2.\te4\te5\r\n";
+    Choose({GameMenu, LoadItem});
+    AnswerDialog(LoadTitle, "nonsense.txt");
+    Game = StartPosition;
+    AwaitBoxAndPressOk("corrupted");
+}
+
 void EveryCommand::ZoomThroughAllSizes() {
     int before = ZoomIndex;
     for (const int index : {0, 1, 2, 3, 4, 5, 6, 7, ZoomIndex}) {
@@ -434,6 +468,7 @@ TEST_P(EveryCommand, DoesWhatItSays) {
     LetTheEngineMove();
     StopTheEngine();
     PromoteToEachPiece();
+    EndGamesAndLoadNonsense();
     ZoomThroughAllSizes();
     CloseUnderAQuestion();
 }
