@@ -82,6 +82,8 @@ TEST_F(CommandLines, ANewGameWhileTheEngineThinksDropsItsMove) {
         EXPECT_THAT(Choose(NewAsBlack()), ElementsAre("new", "skill 100 10", "sync", "go"));
         SayMove("White", "Nf3");
         EXPECT_THAT(Choose(NewAsWhite()), ElementsAre("new", "skill 100 10"));
+        EXPECT_EQ(LastMark().first, 0);
+        EXPECT_EQ(Selected(), std::pair(0, 0));
         DragMove("e2", "e4");
         EXPECT_THAT(Choose(NewAsWhite()), ElementsAre("force"));
         Engine.Say("Black(1): c5 ");

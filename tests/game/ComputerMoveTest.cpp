@@ -23,15 +23,15 @@ class ComputerMoves : public ProgramTest {
 TEST_F(ComputerMoves, ArePlayedOnlyWhenTheLineAndItsNumberMatch) {
     // The side is not looked at; the last blank ends the move, as the last character or the one before it.
     const std::pair<const char*, bool> cases[] = {
-        {"Black(1): Nf6 ", true},         {"info (x) depth Black(1): done move Nf6 ", true},
-        {"White(1): Nf6 ", true},         {"Black( 1 ): Nf6 ", true},
-        {"Black((1): Nf6 ", true},        {"Black(1): mate Nf6 x", true},
-        {"Black(1): (2): Nf6 ", true},    {"Black(2): (1): Nf6 ", false},
-        {"Black(1): Nf6 xy", false},      {"Black(1): Nf6", false},
-        {"Black(1):Nf6 ", false},         {"Black(1: Nf6 ", false},
-        {"Black(2): Nf6 ", false},        {"Black(): Nf6 ", false},
-        {"White(0): - ", false},          {"thinking about Nf6 ", false},
-        {"black(1): Nf6 ", false},        {"Black (1): Nf6 ", false}};
+        {"Black(1): Nf6 ", true},      {"info (x) depth Black(1): done move Nf6 ", true},
+        {"White(1): Nf6 ", true},      {"Black( 1 ): Nf6 ", true},
+        {"Black((1): Nf6 ", true},     {"Black(1): mate Nf6 x", true},
+        {"Black(1): (2): Nf6 ", true}, {"Black(2): (1): Nf6 ", false},
+        {"Black(1): Nf6 xy", false},   {"Black(1): Nf6", false},
+        {"Black(1):Nf6 ", false},      {"Black(1: Nf6 ", false},
+        {"Black(2): Nf6 ", false},     {"Black(): Nf6 ", false},
+        {"White(0): - ", false},       {"thinking about Nf6 ", false},
+        {"black(1): Nf6 ", false},     {"Black (1): Nf6 ", false}};
     for (const auto& [line, played] : cases) {
         SCOPED_TRACE(line);
         Play([&, line = line, played = played] {

@@ -146,6 +146,8 @@ TEST_F(MoveInput, AStalemateHasNoMarkAndAfterAMateTheBoardTakesNothingUntilANewG
         EXPECT_FALSE(LowerLight() || UpperLight());
         Choose(Game->Board.SubFileMenu[0]);
         EXPECT_TRUE(LowerLight());
+        const PixelPoint king = SquareCorner({5, 8}, False);
+        EXPECT_NE(Screen.Frames[&Window()].Frame.At(king.X, king.Y), Rgb(255, 0, 0)) << "the mate is over";
     });
 }
 

@@ -112,6 +112,7 @@ TEST_F(Navigation, StepsWhereTheTextsAllowIt) {
         int Item, From, To;
     } cases[] = {{{u"-", u"e5", u"Nf3"}, BackToStartItem, 3, 1},
                  {{u"-", u"e5", u"Nf3"}, BackOneItem, 1, 1},
+                 {{u"-", u"e5", u"Nf3"}, BackOneItem, 3, 2},
                  {{u"e4", u"e5", u"1-0"}, ForwardToEndItem, 0, 2},
                  {{u"e4", u"e5", u"1-0"}, ForwardOneItem, 2, 2},
                  {{u"e4", u"*"}, ForwardToEndItem, 0, 1},
