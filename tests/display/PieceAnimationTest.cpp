@@ -31,7 +31,7 @@ class AnimateMoveTest : public BoardFixture {
 };
 
 TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
-    desktop.TickStepMs = 9; // uneven, so that positions fall between pixels
+    desktop.TickStepMs = 29; // positions between pixels, steps wider than the rim around a piece
     state.LastMoveFile = state.LastMoveRow = 4;
     const std::pair<MoveRec, Truth> cases[] = {{{7, 8, 6, 6, 0, 0, 0, 0}, False},
                                                {{7, 8, 6, 6, 0, 0, 0, 0}, True},
@@ -47,7 +47,7 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
         const PixelPoint to = SquareCorner(target, flipped);
         const int durationMs = 50 * std::max(std::abs(origin.File - target.File), std::abs(origin.Row - target.Row));
 
-        int elapsedMs = -9; // the first frame shows the board before the slide
+        int elapsedMs = -29; // the first frame shows the board before the slide
         desktop.BeforeProcess = [&] {
             if (elapsedMs >= 0 && elapsedMs < durationMs) {
                 const double part = 1.0 * elapsedMs / durationMs;
@@ -55,7 +55,7 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
                                RoundHalfEven(from.Y + (to.Y - from.Y) * part)};
                 EXPECT_TRUE(Shows(expected)) << "after " << elapsedMs << " ms";
             }
-            elapsedMs += 9;
+            elapsedMs += 29;
         };
         Animate(move, True);
         desktop.BeforeProcess = nullptr;
