@@ -1,0 +1,171 @@
+// quarnel-find-problems: looks for proven mates and wins of material in careless games of the engine
+// against itself.
+//
+//   quarnel-find-problems [--games N] [--first N] [--seed N] [--nodes N] [--count N] [--number N] OPEN HIDDEN
+//
+// Plays games of so few nodes a move that both sides blunder, and asks the prover about every position that a
+// short search values higher than it looks. Kept are mates in two to four moves and wins of at least a
+// minor piece in two or three, all without a mate or such a win at once, where up to three first moves do
+// it and, for a win of material, no other wins as much even a move later. At most one of a game is kept,
+// and problems that a search of a thousand nodes solves are four fifths at most. They are numbered from
+// --number on and added to OPEN (even ones) and HIDDEN (odd ones).
+#include "Problem.h"
+#include "quarnelchess/Evaluation.h"
+#include "tools/tune/SelfPlay.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <unordered_set>
+
+using namespace quarnel;
+using namespace quarnel::suite;
+
+namespace {
+
+constexpr int AlreadyDecidedCp = 500; // material; beyond, there is nothing to solve
+constexpr int WinCp = 300;            // at least
+constexpr std::size_t MostSolutions = 3;
+constexpr std::uint64_t Budget = 100000; // nodes for one question to the prover
+constexpr int PromisingCp = 150;         // a short search sees so much more than meets the eye
+constexpr std::uint64_t PromisingNodes = 5000;
+constexpr std::uint64_t EasyNodes = 1000; // an easy problem is solved by so many
+constexpr std::uint64_t EasyPercent = 80; // at most, of the problems kept
+
+struct Options {
+    std::uint64_t Games = 1000;
+    std::uint64_t First = 0;
+    std::uint64_t Count = 240;
+    std::uint64_t Number = 1;
+    tuning::SelfPlayOptions Play = {100, 11, 300};
+    std::vector<std::string> Files;
+};
+
+class Finder {
+  public:
+    explicit Finder(const Options& options) : options_(options), search_(clock_) {
+        search_.SetHash(1);
+        open_.open(options.Files[0], std::ios::app);
+        hidden_.open(options.Files[1], std::ios::app);
+    }
+
+    void Run() {
+        const std::uint64_t end = options_.First + options_.Games;
+        for (std::uint64_t game = options_.First; game < end && kept_ < options_.Count; ++game) {
+            LookThrough(tuning::PlayGame(search_, options_.Play, game));
+            if (game % 10 == 9) Report(game + 1);
+        }
+    }
+
+  private:
+    void LookThrough(const tuning::PlayedGame& game) {
+        for (const tuning::PlayedMove& move : game.Moves) {
+            if (!seen_.insert(move.Before.PositionKey()).second || !IsPromising(move.Before)) continue;
+            ++candidates_;
+            const std::optional<Problem> problem = Prove(move.Before);
+            if (problem && Keep(*problem)) return;
+        }
+    }
+
+    std::optional<Problem> Prove(const engine::Board& board) {
+        if (std::abs(MaterialBalance(board, board.SideToMove())) > AlreadyDecidedCp || board.HalfmoveClock() > 60)
+            return std::nullopt;
+        if (Reaches(board, {1, 0}) || Reaches(board, {1, WinCp})) return std::nullopt;
+        for (int moves = 2; moves <= 4; ++moves) {
+            const Claim mate = {moves, 0};
+            const auto solutions = prover_.Solutions(board, mate, Budget, MostSolutions);
+            if (!solutions) return std::nullopt;
+            if (!solutions->empty()) return Problem{board, mate, *solutions, 0};
+        }
+        for (int moves = 2; moves <= 3; ++moves) {
+            const Claim win = {moves, WinCp};
+            const auto solutions = prover_.Solutions(board, win, Budget, MostSolutions);
+            if (!solutions) return std::nullopt;
+            if (solutions->empty()) continue;
+            const auto slower = prover_.Solutions(board, {moves + 1, WinCp}, Budget, MostSolutions);
+            // A move that wins as much a move later would be as good an answer.
+            if (!slower || slower->size() > solutions->size()) return std::nullopt;
+            return Problem{board, win, *solutions, 0};
+        }
+        return std::nullopt;
+    }
+
+    bool Reaches(const engine::Board& board, const Claim& claim) {
+        const auto solutions = prover_.Solutions(board, claim, Budget, 0);
+        return !solutions || !solutions->empty();
+    }
+
+    engine::SearchResult Think(const engine::Board& board, std::uint64_t nodes) {
+        search_.NewGame();
+        engine::SearchRoot root;
+        root.Position = board;
+        engine::SearchLimits limits;
+        limits.Nodes = nodes;
+        return search_.Run(root, limits);
+    }
+
+    bool IsPromising(const engine::Board& board) {
+        return Think(board, PromisingNodes).Value - evaluation_.Evaluate(board) >= PromisingCp;
+    }
+
+    bool Keep(Problem problem) {
+        ++proven_;
+        const bool easy = IsSolution(problem, Think(problem.Position, EasyNodes).Best);
+        if (easy && (easy_ + 1) * 100 > (kept_ + 1) * EasyPercent) return false;
+        easy_ += easy ? 1 : 0;
+        problem.Number = static_cast<int>(options_.Number + kept_++);
+        (problem.Number % 2 == 0 ? open_ : hidden_) << WriteEpd(problem) << std::endl;
+        return true;
+    }
+
+    void Report(std::uint64_t games) const {
+        std::printf("%llu games, %llu candidates, %llu proven, %llu kept, %llu of them easy\n",
+                    static_cast<unsigned long long>(games), static_cast<unsigned long long>(candidates_),
+                    static_cast<unsigned long long>(proven_), static_cast<unsigned long long>(kept_),
+                    static_cast<unsigned long long>(easy_));
+        std::fflush(stdout);
+    }
+
+    const Options& options_;
+    engine::SteadyClock clock_;
+    engine::Search search_;
+    engine::Evaluation evaluation_;
+    Prover prover_;
+    std::unordered_set<engine::Key> seen_;
+    std::ofstream open_;
+    std::ofstream hidden_;
+    std::uint64_t candidates_ = 0;
+    std::uint64_t proven_ = 0;
+    std::uint64_t kept_ = 0;
+    std::uint64_t easy_ = 0;
+};
+
+bool Read(int argc, char** argv, Options& options) {
+    const std::map<std::string, std::uint64_t*> numbers = {
+        {"--games", &options.Games},      {"--first", &options.First}, {"--seed", &options.Play.Seed},
+        {"--nodes", &options.Play.Nodes}, {"--count", &options.Count}, {"--number", &options.Number}};
+    for (int i = 1; i < argc; ++i) {
+        const auto number = numbers.find(argv[i]);
+        if (number == numbers.end())
+            options.Files.emplace_back(argv[i]);
+        else if (++i < argc)
+            *number->second = std::strtoull(argv[i], nullptr, 10);
+    }
+    return options.Files.size() == 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    if (!Read(argc, argv, options)) {
+        std::fputs("quarnel-find-problems [--games N] [--first N] [--seed N] [--nodes N] [--count N] [--number N] OPEN "
+                   "HIDDEN\n",
+                   stderr);
+        return 2;
+    }
+    Finder(options).Run();
+    return 0;
+}
