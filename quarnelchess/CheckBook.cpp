@@ -1,7 +1,7 @@
 // Has the engine judge the opening book: first what it chooses how often, then each line that ends badly
 // for a side that chose all its moves, and each single choice after which the engine sees the chooser worse.
 //
-//   check-book [nodes for a line's end] [nodes for a choice] [worst value in centipawns]
+//   check-book [nodes for a line's end] [nodes for a choice] [worst value in centipawns] [part of a line's name]
 #include "Book.h"
 #include "Clock.h"
 #include "San.h"
@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -39,7 +40,9 @@ void PrintFirstChoices() {
 class Judge {
   public:
     Judge(std::uint64_t endNodes, std::uint64_t choiceNodes, int worstCp)
-        : endNodes_(endNodes), choiceNodes_(choiceNodes), worstCp_(worstCp), search_(clock_) {}
+        : endNodes_(endNodes), choiceNodes_(choiceNodes), worstCp_(worstCp), search_(clock_) {
+        search_.SetHash(8);
+    }
 
     void Line(const BookLine& line) {
         Board board = Board::Start();
@@ -72,6 +75,7 @@ class Judge {
     int Value(const Board& board, std::uint64_t nodes) {
         SearchLimits limits;
         limits.Nodes = nodes;
+        search_.NewGame(); // so that a line's value does not depend on the others
         return search_.Run({board, {}}, limits).Value;
     }
 
@@ -90,5 +94,7 @@ int main(int argc, char** argv) {
     PrintFirstChoices();
     Judge judge(static_cast<std::uint64_t>(argument(1, 200000)), static_cast<std::uint64_t>(argument(2, 0)),
                 argument(3, 80));
-    for (const BookLine& line : Book::Lines()) judge.Line(line);
+    const std::string_view name = argc > 4 ? argv[4] : "";
+    for (const BookLine& line : Book::Lines())
+        if (line.Name.find(name) != std::string_view::npos) judge.Line(line);
 }
