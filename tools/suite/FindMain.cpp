@@ -72,29 +72,14 @@ class Finder {
     std::optional<Problem> Prove(const engine::Board& board) {
         if (std::abs(MaterialBalance(board, board.SideToMove())) > AlreadyDecidedCp || board.HalfmoveClock() > 60)
             return std::nullopt;
-        if (Reaches(board, {1, 0}) || Reaches(board, {1, WinCp})) return std::nullopt;
-        for (int moves = 2; moves <= 4; ++moves) {
-            const Claim mate = {moves, 0};
-            const auto solutions = prover_.Solutions(board, mate, Budget, MostSolutions);
-            if (!solutions) return std::nullopt;
-            if (!solutions->empty()) return Problem{board, mate, *solutions, 0};
-        }
-        for (int moves = 2; moves <= 3; ++moves) {
-            const Claim win = {moves, WinCp};
-            const auto solutions = prover_.Solutions(board, win, Budget, MostSolutions);
+        for (const Claim& goal : {Claim{2, 0}, {3, 0}, {4, 0}, {2, WinCp}, {3, WinCp}}) {
+            const auto solutions = prover_.Solutions(board, goal, Budget, MostSolutions);
             if (!solutions) return std::nullopt;
             if (solutions->empty()) continue;
-            const auto slower = prover_.Solutions(board, {moves + 1, WinCp}, Budget, MostSolutions);
-            // A move that wins as much a move later would be as good an answer.
-            if (!slower || slower->size() > solutions->size()) return std::nullopt;
-            return Problem{board, win, *solutions, 0};
+            const Problem problem = {board, goal, *solutions, 0};
+            return IsProven(prover_, problem, Budget) ? std::optional(problem) : std::nullopt;
         }
         return std::nullopt;
-    }
-
-    bool Reaches(const engine::Board& board, const Claim& claim) {
-        const auto solutions = prover_.Solutions(board, claim, Budget, 0);
-        return !solutions || !solutions->empty();
     }
 
     engine::SearchResult Think(const engine::Board& board, std::uint64_t nodes) {

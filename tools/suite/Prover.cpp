@@ -13,7 +13,8 @@ constexpr std::size_t MemorySize = 1 << 20; // a power of two
 
 // What the attacker is allowed after the moves of the claim.
 constexpr int MostLaterMoves = 8;
-constexpr int MostQuietMoves = 1; // of these, evasions apart
+constexpr int MostQuietMoves = 1;     // of these, evasions apart
+constexpr int FirstSettledStage = 16; // more than any claim has moves
 
 Key Scramble(Key key) {
     key = (key ^ (key >> 31)) * 0x9E3779B97F4A7C15ULL;
@@ -89,7 +90,7 @@ template <class SearchNode>
 bool Prover::Remember(const Board& board, int stage, const SearchNode& search) {
     // What was found out holds for every question with the same goal.
     const Key goal = mateOnly_ ? 1 : static_cast<Key>(neededCp_ + 100000);
-    const Key key = board.PositionKey() ^ Scramble(goal * 64 + static_cast<Key>(stage + MostQuietMoves));
+    const Key key = board.PositionKey() ^ Scramble(goal * 64 + static_cast<Key>(stage));
     Remembered& slot = memory_[key & (MemorySize - 1)];
     if (slot.Key == key) return slot.Proved;
     const bool proved = search();
@@ -156,7 +157,8 @@ bool Prover::Settled(const Board& board, Allowance left) {
 
 /// Attacker to move.
 bool Prover::StaysSettled(const Board& board, Allowance left) {
-    return Remember(board, -left.Quiet, [&] {
+    // Beyond the stages of AttackerWins(), one for each allowance.
+    return Remember(board, FirstSettledStage + 2 * left.Moves + left.Quiet, [&] {
         const bool check = board.InCheck();
         // A quiet move does not win back what is missing.
         const bool quietToo = check || (left.Quiet > 0 && MaterialBalance(board, attacker_) >= neededCp_);
