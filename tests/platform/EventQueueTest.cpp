@@ -156,9 +156,10 @@ TEST_F(EventQueueTest, AFormThatGoesAwayTakesItsEventsAlong) {
     Deliver();
     Release(61, 33);
     Queue.Push(MenuClickEvent{&Item});
-    PressDialog();
+    Queue.Push(FormPointerEvent{Action::Move, &Dialog, {PointerButton::Left, 0, 1, 2}});
     Queue.Forget(Window);
-    EXPECT_THAT(Deliver(), ElementsAre("dialog down 1,2"));
+    EXPECT_THAT(Deliver(), ElementsAre("dialog move 1,2"));
+    EXPECT_EQ(Reached(10, 90), "window move 10,90") << "and the press";
 }
 
 } // namespace
