@@ -66,8 +66,10 @@ TEST_F(Navigation, AnotherMoveInsideTheHistoryReplacesTheRestAndTheSameOneKeepsI
         EXPECT_EQ(State().PlyCount, 6);
         EXPECT_EQ(Row(3), "3. Bc4 Bc5");
 
+        AddVariation(State(), u"(d3)", False, 5);
         for (int i = 0; i < 4; ++i) ChooseMoves(BackOneItem);
         EXPECT_THAT(DragMove("f1", "c4"), ElementsAre("sync", SetAfterE4E5, "white", "movenumber 2", "Bc4"));
+        EXPECT_EQ(GetVarN(State(), 5), u"");
         EXPECT_EQ(State().PlyCount, 3);
         EXPECT_EQ(State().MoveText.size(), 3U);
         EXPECT_EQ(Row(2), "2. Bc4 ");
