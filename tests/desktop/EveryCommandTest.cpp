@@ -79,9 +79,9 @@ Position Played(const Position& position, const std::string& squares, int promot
     throw std::logic_error(squares + " is no legal move");
 }
 
-class EveryCommand : public PlayedProgram, public testing::WithParamInterface<std::tuple<int, const Side*>> {
+class EveryCommand : public PlayedProgram, public testing::WithParamInterface<std::tuple<int, bool>> {
   protected:
-    EveryCommand() : ZoomIndex(std::get<0>(GetParam())), Me(*std::get<1>(GetParam())) {}
+    EveryCommand() : ZoomIndex(std::get<0>(GetParam())), Me(std::get<1>(GetParam()) ? AsBlack : AsWhite) {}
 
     void Start() {
         namespace fs = std::filesystem;
@@ -474,10 +474,9 @@ TEST_P(EveryCommand, DoesWhatItSays) {
 }
 
 std::string NameOf(const testing::TestParamInfo<EveryCommand::ParamType>& test) {
-    return std::to_string(75 + 25 * std::get<0>(test.param)) + "As" + std::get<1>(test.param)->Name;
+    return std::to_string(75 + 25 * std::get<0>(test.param)) + (std::get<1>(test.param) ? "AsBlack" : "AsWhite");
 }
-INSTANTIATE_TEST_SUITE_P(, EveryCommand,
-                         testing::Combine(testing::Values(0, 1, 7), testing::Values(&AsWhite, &AsBlack)), NameOf);
+INSTANTIATE_TEST_SUITE_P(, EveryCommand, testing::Combine(testing::Values(0, 1, 7), testing::Bool()), NameOf);
 
 } // namespace
 } // namespace quarnel::xdriver

@@ -13,38 +13,38 @@
 
 namespace {
 
-void* RealLibrary() {
+// The real library's function of that name; `function` only says what it is like.
+template <class Function>
+Function* Real(Function& /*function*/, const char* name) {
     static void* const library = dlopen(QUARNEL_REAL_ENGINE, RTLD_NOW | RTLD_LOCAL);
-    return library;
+    return reinterpret_cast<Function*>(dlsym(library, name));
 }
 
 } // namespace
 
-#define REAL(function) reinterpret_cast<decltype(&function)>(dlsym(RealLibrary(), #function))
-
 void quarnel_EngineStart(QuarnelInputCallback input, QuarnelOutputCallback output) {
-    REAL(quarnel_EngineStart)(input, output);
+    Real(quarnel_EngineStart, "quarnel_EngineStart")(input, output);
 }
 
 void quarnel_ReceiveTxt(const char* line) {
     std::ofstream(std::getenv("QUARNEL_COMMAND_LOG"), std::ios::app) << line << '\n';
     if (std::strcmp(line, "skill 10 5") == 0) line = "skill 10 1";
     if (std::strcmp(line, "skill 100 100") == 0) line = "skill 100 32000";
-    REAL(quarnel_ReceiveTxt)(line);
+    Real(quarnel_ReceiveTxt, "quarnel_ReceiveTxt")(line);
 }
 
 void quarnel_GetTxt(char* buffer) {
-    REAL(quarnel_GetTxt)(buffer);
+    Real(quarnel_GetTxt, "quarnel_GetTxt")(buffer);
 }
 
 void quarnel_GetMove(const Position* position, uint8_t colour, MoveList* list) {
-    REAL(quarnel_GetMove)(position, colour, list);
+    Real(quarnel_GetMove, "quarnel_GetMove")(position, colour, list);
 }
 
 void quarnel_MakeMove(Position* position, const MoveRec* move) {
-    REAL(quarnel_MakeMove)(position, move);
+    Real(quarnel_MakeMove, "quarnel_MakeMove")(position, move);
 }
 
 int16_t quarnel_KingAttacked(const Position* position, int32_t colour) {
-    return REAL(quarnel_KingAttacked)(position, colour);
+    return Real(quarnel_KingAttacked, "quarnel_KingAttacked")(position, colour);
 }
