@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds the engine of any commit as an opponent for matches. The checkout is left alone.
 #
-#   tools/match/build-edition.sh REVISION [FOLDER]
+#   tools/match/build-edition.sh REVISION [FOLDER [PATCH]]
 #
-# leaves FOLDER/REVISION/quarnel-uci and prints its path. FOLDER counts from the top of the repository and is
+# leaves FOLDER/REVISION/quarnel-uci and prints its path; with a patch laid over the commit,
+# FOLDER/REVISION+NAME/quarnel-uci, NAME being the patch's. FOLDER counts from the top of the repository and is
 # build/editions if left out; a slash in the revision becomes a dash. What is up to date is not built again.
 #
 # Editions from before the engine spoke to other interfaces, such as engine-first-edition, get the interface
@@ -13,10 +14,16 @@ cd "$(dirname "$0")/../.."
 
 InterfaceCommit=9f94c80
 
-[ $# = 1 ] || [ $# = 2 ] || { echo "usage: tools/match/build-edition.sh REVISION [FOLDER]" >&2; exit 2; }
+[ $# -ge 1 ] && [ $# -le 3 ] || { echo "usage: tools/match/build-edition.sh REVISION [FOLDER [PATCH]]" >&2; exit 2; }
 revision=$1
 commit=$(git rev-parse --verify --quiet "$revision^{commit}") || { echo "There is no revision \"$revision\"." >&2; exit 2; }
 edition=${2:-build/editions}/${revision//\//-}
+patch=${3:-}
+if [ -n "$patch" ]; then
+    [ -f "$patch" ] || { echo "There is no patch \"$patch\"." >&2; exit 2; }
+    edition+=+$(basename "$patch" .patch)
+    commit+=" $(sha256sum <"$patch")"
+fi
 if [ -x "$edition/quarnel-uci" ] && [ "$(cat "$edition/commit" 2>/dev/null)" = "$commit" ]; then
     echo "$edition/quarnel-uci"
     exit
@@ -25,11 +32,14 @@ fi
 source=$edition/source
 rm -rf "$edition/quarnel-uci" "$source" "$edition/build"
 mkdir -p "$source"
-git archive "$commit" | tar -x -C "$source"
+git archive "${commit%% *}" | tar -x -C "$source"
 if [ ! -d "$source/quarnelchess/uci" ]; then
     git archive "$InterfaceCommit" quarnelchess/uci | tar -x -C "$source"
     echo 'add_subdirectory(uci)' >>"$source/quarnelchess/CMakeLists.txt"
 fi
+
+[ -z "$patch" ] || patch --quiet --strip=1 --directory="$source" <"$patch" ||
+    { echo "The patch \"$patch\" does not fit revision \"$revision\"." >&2; exit 1; }
 
 log=$edition/build.log
 {
