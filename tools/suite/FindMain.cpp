@@ -133,10 +133,13 @@ bool Read(int argc, char** argv, Options& options) {
         {"--nodes", &options.Play.Nodes}, {"--count", &options.Count}, {"--number", &options.Number}};
     for (int i = 1; i < argc; ++i) {
         const auto number = numbers.find(argv[i]);
-        if (number == numbers.end())
+        if (number == numbers.end()) {
+            if (argv[i][0] == '-') return false;
             options.Files.emplace_back(argv[i]);
-        else if (++i < argc)
-            *number->second = std::strtoull(argv[i], nullptr, 10);
+            continue;
+        }
+        if (++i == argc) return false;
+        *number->second = std::strtoull(argv[i], nullptr, 10);
     }
     return options.Files.size() == 2;
 }

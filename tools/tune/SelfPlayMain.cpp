@@ -88,10 +88,13 @@ bool Read(int argc, char** argv, Options& options) {
         {"--positions", &options.Positions}, {"--threads", &options.Threads}, {"--seed", &options.Play.Seed}};
     for (int i = 1; i < argc; ++i) {
         const auto number = numbers.find(argv[i]);
-        if (number == numbers.end())
+        if (number == numbers.end()) {
+            if (argv[i][0] == '-') return false;
             options.File = argv[i];
-        else if (++i < argc)
-            *number->second = std::strtoull(argv[i], nullptr, 10);
+            continue;
+        }
+        if (++i == argc) return false;
+        *number->second = std::strtoull(argv[i], nullptr, 10);
     }
     return !options.File.empty() && options.Threads >= 1 && options.Play.Nodes >= 1;
 }

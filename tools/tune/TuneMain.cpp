@@ -38,10 +38,13 @@ bool Read(int argc, char** argv, Options& options) {
     };
     for (int i = 1; i < argc; ++i) {
         const auto setting = settings.find(argv[i]);
-        if (setting == settings.end())
+        if (setting == settings.end()) {
+            if (argv[i][0] == '-') return false;
             options.Files.emplace_back(argv[i]);
-        else if (++i < argc)
-            setting->second(std::strtod(argv[i], nullptr));
+            continue;
+        }
+        if (++i == argc) return false;
+        setting->second(std::strtod(argv[i], nullptr));
     }
     return options.Files.size() >= 3;
 }
