@@ -69,7 +69,8 @@ void BoardWindow::AddControls() {
 
     Window.Add(Picture1);
     Picture1.BackColor = PanelColour;
-    Place(Picture1, 0, 0, PanelSize.Width, PanelSize.Height);
+    // In the middle at 100 %, for a start that applies no zoom.
+    Place(Picture1, 45, 52, PanelSize.Width, PanelSize.Height);
     Picture1.Add(Label1);
     Label1.Font = FontSpec{u"Tahoma", 8.25, false};
     Label1.WordWrap = true;
