@@ -13,11 +13,12 @@
 namespace quarnel::engine {
 namespace {
 
-// What the levels play like. Between two of them a level is blended.
+// What the levels play like: the steps between them are measured, the lowest is an estimate. Between two of them a
+// level is blended.
 constexpr struct {
     int Skill;
     int Elo;
-} Ladder[] = {{10, 500}, {20, 800}, {30, 1100}, {50, 1400}, {75, 1750}, {100, 2100}};
+} Ladder[] = {{10, 500}, {20, 910}, {30, 1230}, {50, 1620}, {75, 1980}, {100, 2700}};
 constexpr int LowestElo = std::begin(Ladder)->Elo;
 constexpr int HighestElo = (std::end(Ladder) - 1)->Elo;
 

@@ -188,7 +188,7 @@ TEST(Uci, PlaysTheSameGameWithTheSameSeedOnly) {
 }
 
 TEST(Uci, LimitsItsStrengthByRating) {
-    for (int elo = 400; elo < 2200; elo += 10) EXPECT_LE(Uci::SkillForElo(elo), Uci::SkillForElo(elo + 10));
+    for (int elo = 400; elo < 2800; elo += 10) EXPECT_LE(Uci::SkillForElo(elo), Uci::SkillForElo(elo + 10));
     EXPECT_EQ(Uci::SkillForElo(0), 10);
     EXPECT_EQ(Uci::SkillForElo(3000), 100);
     Conversation conversation;
