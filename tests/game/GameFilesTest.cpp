@@ -237,7 +237,7 @@ TEST_F(GameRecords, RoundTripWithEveryPosition) {
                 ASSERT_EQ(Fen(), positions[ply]) << "game " << game << ", ply " << ply;
             }
         }
-        EXPECT_GT(longest, 150U); // some games are long, or this shows little
+        EXPECT_GT(longest, 100U); // some games are long, or this shows little
     });
 }
 
