@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <sstream>
 
 namespace naive {
@@ -59,19 +60,14 @@ void PawnMoves(const Game& game, int file, int rank, std::vector<Move>& moves) {
 
 void Castling(const Game& game, std::vector<Move>& moves) {
     const int rank = game.WhiteToMove ? 0 : 7;
-    const int first = game.WhiteToMove ? 0 : 2;
-    const auto clear = [&](int from, int to) {
-        for (int file = from; file <= to; ++file)
-            if (game.Squares[rank][file] != '.') return false;
-        return true;
-    };
-    const auto safe = [&](int from, int to) {
-        for (int file = from; file <= to; ++file)
-            if (Attacked(game, file, rank, !game.WhiteToMove)) return false;
-        return true;
-    };
-    if (game.Castle[first] && clear(5, 6) && safe(4, 6)) moves.push_back({4, rank, 6, rank, 0});
-    if (game.Castle[first + 1] && clear(1, 3) && safe(2, 4)) moves.push_back({4, rank, 2, rank, 0});
+    for (const bool kingSide : {true, false}) {
+        bool free = game.Castle[(game.WhiteToMove ? 0 : 2) + (kingSide ? 0 : 1)];
+        for (int file = kingSide ? 5 : 1; file <= (kingSide ? 6 : 3); ++file)
+            free = free && game.Squares[rank][file] == '.';
+        for (int file = kingSide ? 4 : 2; file <= (kingSide ? 6 : 4); ++file)
+            free = free && !Attacked(game, file, rank, !game.WhiteToMove);
+        if (free) moves.push_back({4, rank, kingSide ? 6 : 2, rank, 0});
+    }
 }
 
 } // namespace
@@ -81,18 +77,16 @@ Game Read(const std::string& fen) {
     std::string placement, side, castling, enPassant;
     stream >> placement >> side >> castling >> enPassant;
     Game game{};
-    int rank = 7;
-    int file = 0;
-    for (auto& row : game.Squares)
-        for (char& square : row) square = '.';
+    std::memset(game.Squares, '.', sizeof game.Squares);
+    int next = 56; // the square to fill, a1 = 0
     for (const char c : placement) {
         if (c == '/') {
-            --rank;
-            file = 0;
+            next -= 16;
         } else if (std::isdigit(static_cast<unsigned char>(c)) != 0) {
-            file += c - '0';
+            next += c - '0';
         } else {
-            game.Squares[rank][file++] = c;
+            game.Squares[next / 8][next % 8] = c;
+            ++next;
         }
     }
     game.WhiteToMove = side == "w";

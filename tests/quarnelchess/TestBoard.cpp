@@ -1,11 +1,13 @@
 #include "RandomGames.h"
 
+#include "quarnelchess/San.h"
+
 #include <gtest/gtest.h>
 
 namespace quarnel::engine {
 namespace {
 
-TEST(Board, KeepsKeysAndSumsUpToDate) {
+TEST(Board, KeepsKeysAndSumsUpToDateAndForeseesChecks) {
     ForRandomPositions(10, 120, [](const Board& board) {
         const std::string fen = WriteFen(board);
         const std::optional<Board> fresh = ReadFen(fen);
@@ -17,6 +19,13 @@ TEST(Board, KeepsKeysAndSumsUpToDate) {
         ASSERT_EQ(board.PieceSquareScore().Mg, fresh->PieceSquareScore().Mg) << fen;
         ASSERT_EQ(board.PieceSquareScore().Eg, fresh->PieceSquareScore().Eg) << fen;
         ASSERT_EQ(WriteFen(*fresh), fen);
+        MoveBuffer moves;
+        GenerateMoves(board, moves);
+        for (const Move move : moves) {
+            Board next = board;
+            next.Make(move);
+            ASSERT_EQ(board.GivesCheck(move), next.InCheck()) << fen << " " << NameOf(move);
+        }
     });
 }
 
@@ -32,6 +41,9 @@ TEST(Board, TellsPositionsApartByRightsTurnAndEnPassant) {
     // Without a pawn that could capture, the double step leaves no trace.
     EXPECT_EQ(BoardOf("4k3/8/8/8/4P3/8/8/4K3 b - e3 0 1").PositionKey(),
               BoardOf("4k3/8/8/8/4P3/8/8/4K3 b - - 0 1").PositionKey());
+    // Rights without king or rook at home are none.
+    EXPECT_EQ(BoardOf("r3k3/8/8/8/8/8/8/4K2R w KQkq - 0 1").Castling(), WhiteKingSide | BlackQueenSide);
+    EXPECT_EQ(BoardOf("r2k3r/8/8/8/8/8/8/R3K2R w KQkq - 0 1").Castling(), WhiteKingSide | WhiteQueenSide);
 }
 
 TEST(Board, RefusesWhatItCannotHold) {
@@ -51,55 +63,32 @@ TEST(Board, RefusesWhatItCannotHold) {
     for (const char* fen : refused) EXPECT_FALSE(ReadFen(fen)) << fen;
 }
 
-TEST(Board, DropsRightsWithoutKingOrRookAtHome) {
-    EXPECT_EQ(BoardOf("r3k3/8/8/8/8/8/8/4K2R w KQkq - 0 1").Castling(), WhiteKingSide | BlackQueenSide);
-    EXPECT_EQ(BoardOf("r2k3r/8/8/8/8/8/8/R3K2R w KQkq - 0 1").Castling(), WhiteKingSide | WhiteQueenSide);
-}
-
-struct ExchangeCase {
-    const char* Fen;
-    Move Capture;
-    int Gain; // the exchange wins exactly this much
-};
-
 TEST(Board, WeighsExchanges) {
-    const auto at = [](const char* name) { return MakeSquare(name[0] - 'a', name[1] - '1'); };
-    const ExchangeCase cases[] = {
-        {"4k3/8/8/3p4/8/8/3R4/4K3 w - - 0 1", Move(at("d2"), at("d5")), 100},         // a free pawn
-        {"4k3/8/4p3/3p4/8/8/3R4/4K3 w - - 0 1", Move(at("d2"), at("d5")), 100 - 500}, // it is guarded
-        {"3rk3/8/8/3n4/8/8/3R4/3RK3 w - - 0 1", Move(at("d2"), at("d5")), 320},       // the rook behind counts
-        {"3rk3/8/2b5/3n4/8/4P3/3R4/3RK3 w - - 0 1", Move(at("d2"), at("d5")), 320 - 500},
-        {"4k3/8/2b5/3p4/4P3/8/8/4K2B w - - 0 1", Move(at("e4"), at("d5")), 100}, // bishops behind the pawn
-        {"4k3/8/8/8/8/8/r7/K6R w - - 0 1", Move(at("a1"), at("a2")), 500},       // the king takes a free rook
-        {"4k3/5P2/8/8/8/8/8/4K3 b - - 0 1", Move(at("e8"), at("f7")), 100},
-        {"4k3/8/8/8/8/8/3p4/4K3 w - - 0 1", Move(at("e1"), at("e2")), 0}, // nothing to win
+    const struct {
+        const char* Fen;
+        const char* Capture;
+        int Gain; // the exchange wins exactly this much
+    } cases[] = {
+        {"4k3/8/8/3p4/8/8/3R4/4K3 w - - 0 1", "Rxd5", 100},         // a free pawn
+        {"4k3/8/4p3/3p4/8/8/3R4/4K3 w - - 0 1", "Rxd5", 100 - 500}, // it is guarded
+        {"3rk3/8/8/3n4/8/8/3R4/3RK3 w - - 0 1", "Rxd5", 320},       // the rook behind counts
+        {"3rk3/8/2b5/3n4/8/4P3/3R4/3RK3 w - - 0 1", "Rxd5", 320 - 500},
+        {"4k3/8/2b5/3p4/4P3/8/8/4K2B w - - 0 1", "exd5", 100}, // bishops behind the pawn
+        {"4k3/8/8/8/8/8/r7/K6R w - - 0 1", "Kxa2", 500},       // the king takes a free rook
+        {"4k3/8/8/8/8/8/3p4/4K3 w - - 0 1", "Ke2", 0},         // nothing to win
     };
-    for (const ExchangeCase& c : cases) {
+    for (const auto& c : cases) {
         const Board board = BoardOf(c.Fen);
-        EXPECT_TRUE(board.ExchangeGains(c.Capture, c.Gain)) << c.Fen;
-        EXPECT_FALSE(board.ExchangeGains(c.Capture, c.Gain + 1)) << c.Fen;
+        EXPECT_TRUE(board.ExchangeGains(ReadSan(board, c.Capture), c.Gain)) << c.Fen;
+        EXPECT_FALSE(board.ExchangeGains(ReadSan(board, c.Capture), c.Gain + 1)) << c.Fen;
     }
 }
 
-TEST(Board, ForeseesChecks) {
-    ForRandomPositions(5, 90, [](const Board& board) {
-        MoveBuffer moves;
-        GenerateMoves(board, moves);
-        for (const Move move : moves) {
-            Board next = board;
-            next.Make(move);
-            ASSERT_EQ(board.GivesCheck(move), next.InCheck()) << WriteFen(board) << " " << NameOf(move);
-        }
-    });
-}
-
 TEST(Board, KnowsMaterialThatCannotMate) {
-    EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/4K3 w - - 0 1").InsufficientMaterial());
-    EXPECT_TRUE(BoardOf("4k3/8/8/8/8/8/8/3NK3 w - - 0 1").InsufficientMaterial());
-    EXPECT_TRUE(BoardOf("3bk3/8/8/8/8/8/8/4K3 w - - 0 1").InsufficientMaterial());
-    EXPECT_FALSE(BoardOf("3bk3/8/8/8/8/8/8/3NK3 w - - 0 1").InsufficientMaterial());
-    EXPECT_FALSE(BoardOf("4k3/8/8/8/8/8/4P3/4K3 w - - 0 1").InsufficientMaterial());
-    EXPECT_FALSE(BoardOf("4k3/8/8/8/8/8/8/3RK3 w - - 0 1").InsufficientMaterial());
+    for (const char* fen : {"4k3/8/8/8/8/8/8/4K3 w - -", "4k3/8/8/8/8/8/8/3NK3 w - -", "3bk3/8/8/8/8/8/8/4K3 w - -"})
+        EXPECT_TRUE(BoardOf(fen).InsufficientMaterial()) << fen;
+    for (const char* fen : {"3bk3/8/8/8/8/8/8/3NK3 w - -", "4k3/8/8/8/8/8/4P3/4K3 w - -", "4k3/8/8/8/8/8/8/3RK3 w - -"})
+        EXPECT_FALSE(BoardOf(fen).InsufficientMaterial()) << fen;
 }
 
 } // namespace

@@ -23,7 +23,7 @@ Board After(std::string_view moves) {
 }
 
 /// "Nf3 2 e4 1", as the book orders them.
-std::string Choices(const Book& book, std::string_view moves, int plies = 100) {
+std::string Choices(const Book& book, std::string_view moves, int plies) {
     const Board board = After(moves);
     std::string text;
     for (const BookMove& move : book.Moves(board, plies))
@@ -63,16 +63,14 @@ TEST(Book, AddsUpWhatEachRoadToAPositionBrings) {
                                   {1, "e", "Nf3 d5 Ng1 Nf6 d4 d5 e4"}, // d5 is taken: what follows is dropped
                                   {1, "f", "Nf3 Nf6 Ng1 Ng8 b3"}};     // back at the start, by a longer road
     const Book book(lines);
-    EXPECT_EQ(Choices(book, ""), "c4 4 d4 3 Nf3 2 b3 1");
-    EXPECT_EQ(Choices(book, "d4 Nf6 c4"), "g6 5 e6 2");
-    EXPECT_EQ(Choices(book, "g4"), "d5 9");
-    EXPECT_EQ(Choices(book, "g4 d5 h3"), "");
-    EXPECT_EQ(Choices(book, "Nf3 d5 Ng1 Nf6 d4"), "");
-    EXPECT_EQ(Choices(book, "h3"), "");
-    // As deep as the player knows it.
-    EXPECT_EQ(Choices(book, "d4 Nf6 c4", 3), "");
-    EXPECT_EQ(Choices(book, "d4 Nf6 c4", 4), "g6 5 e6 2");
-    EXPECT_EQ(Choices(book, "", 1), "c4 4 d4 3 Nf3 2 b3 1");
+    const struct {
+        const char* Moves;
+        int Plies; // as deep as the player knows the book
+        const char* Choices;
+    } cases[] = {
+        {"", 1, "c4 4 d4 3 Nf3 2 b3 1"}, {"d4 Nf6 c4", 4, "g6 5 e6 2"}, {"d4 Nf6 c4", 3, ""}, {"g4", 100, "d5 9"},
+        {"g4 d5 h3", 100, ""},           {"Nf3 d5 Ng1 Nf6 d4", 100, ""}};
+    for (const auto& c : cases) EXPECT_EQ(Choices(book, c.Moves, c.Plies), c.Choices) << c.Moves;
 
     // Each as often as it weighs, from seeds that hardly differ.
     int counts[2] = {};

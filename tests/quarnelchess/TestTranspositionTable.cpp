@@ -7,11 +7,11 @@
 namespace quarnel::engine {
 namespace {
 
-TEST(TranspositionTable, GivesBackWhatItWasGiven) {
+TEST(TranspositionTable, GivesBackWhatItWasGivenUntilSomethingBetterNeedsTheRoom) {
     TranspositionTable table(1);
     TableEntry entry;
-    EXPECT_FALSE(table.Probe(42, entry));
     for (const int value : {0, 1, -1, 31900, -31900, NoValue}) {
+        EXPECT_FALSE(table.Probe(42, entry));
         table.Store(42, {Move(12, 28), value, -value, 77, Bound::Lower, true});
         ASSERT_TRUE(table.Probe(42, entry));
         EXPECT_EQ(entry.Value, value);
@@ -21,30 +21,19 @@ TEST(TranspositionTable, GivesBackWhatItWasGiven) {
         EXPECT_EQ(entry.Kind, Bound::Lower);
         EXPECT_TRUE(entry.WasPv);
         table.Clear();
-        EXPECT_FALSE(table.Probe(42, entry));
     }
-}
-
-TEST(TranspositionTable, KeepsDeepEntriesOfThisSearchAndDropsOldOnes) {
-    TranspositionTable table(1);
-    TableEntry entry;
-    // Neighbouring keys share a cluster of four.
+    // Neighbouring keys share a cluster of four: the shallowest makes room, after a few searches all old ones do.
     for (Key key = 1; key <= 4; ++key)
         table.Store(key, {Move(1, 2), 10, 10, static_cast<int>(10 * key), Bound::Exact, false});
     table.Store(5, {Move(1, 2), 10, 10, 3, Bound::Exact, false});
-    EXPECT_FALSE(table.Probe(1, entry)); // the shallowest made room
+    EXPECT_FALSE(table.Probe(1, entry));
     EXPECT_TRUE(table.Probe(4, entry));
     for (int search = 0; search < 6; ++search) table.NextGeneration();
     for (Key key = 6; key <= 9; ++key) table.Store(key, {Move(1, 2), 10, 10, 1, Bound::Exact, false});
     for (Key key = 6; key <= 9; ++key) EXPECT_TRUE(table.Probe(key, entry)) << key;
-}
-
-TEST(TranspositionTable, CountsMatesFromTheStoredPosition) {
-    const int mateInThree = MateValue - 3;
-    EXPECT_EQ(ValueFromTable(ValueToTable(mateInThree, 2), 2), mateInThree);
-    EXPECT_EQ(ValueFromTable(ValueToTable(mateInThree, 2), 4), mateInThree - 2);
-    EXPECT_EQ(ValueFromTable(ValueToTable(-mateInThree, 2), 4), -mateInThree + 2);
-    EXPECT_EQ(ValueFromTable(ValueToTable(150, 9), 3), 150);
+    // A mate is as far away as the position it was stored for.
+    EXPECT_EQ(ValueFromTable(ValueToTable(MateValue - 3, 2), 4), MateValue - 5);
+    EXPECT_EQ(ValueFromTable(ValueToTable(3 - MateValue, 2), 4), 5 - MateValue);
 }
 
 TEST(TranspositionTable, NeverHandsOutAMixtureOfTwoEntries) {
