@@ -90,7 +90,7 @@ TEST_F(BoardRendererTest, ShowMoveTextNamesTheMoveAndLightsTheSideToMove) {
     const struct {
         const char16_t* Move;
         Truth Computer;
-        int PlyNow;
+        std::int16_t PlyNow;
         bool Lower, Upper;
     } cases[] = {{u"e4", Black, 1, false, true},   {u"e5", Black, 2, true, false},   {u"e4", White, 1, true, false},
                  {u"none", White, 0, false, true}, {u"Qh5+", Black, 2, true, false}, {u"Qxf7#", Black, 7, false, false},
@@ -98,7 +98,7 @@ TEST_F(BoardRendererTest, ShowMoveTextNamesTheMoveAndLightsTheSideToMove) {
     for (const auto& [move, computer, plyNow, lower, upper] : cases) {
         SCOPED_TRACE(ToUtf8(move));
         state.ComputerColor = computer;
-        state.PlyNow = static_cast<std::int16_t>(plyNow);
+        state.PlyNow = plyNow;
         renderer.ShowMoveText(move);
         EXPECT_EQ(status.mdis.Caption.Get(), Text(u"Move: ") + move);
         EXPECT_EQ(frmBoard.Announcement.Get(), Text(u"Move: ") + move);

@@ -54,8 +54,9 @@ TEST_F(SettingsFileTest, KeepsEachValueUnderItsSectionAndItsKeyInAnyLetterCase) 
 TEST_F(SettingsFileTest, AnyTextComesBackAsItWas) {
     using namespace std::literals;
     constexpr TextView damaged(u"\xD800", 1);
-    const auto texts = {u""sv, u"  blanks  "sv, u"a=b"sv, u"[x]"sv, u"#"sv, u"\\u0041"sv, u"two\r\nlines\n"sv,
-                        u"\u02DD-\u02DD"sv, u"nul\0inside"sv, damaged, u"\U0001F60A"sv};
+    const auto texts = {u""sv,          u"  blanks  "sv,     u"a=b"sv,           u"[x]"sv,         u"#"sv,
+                        u"\\u0041"sv,   u"two\r\nlines\n"sv, u"\u02DD-\u02DD"sv, u"nul\0inside"sv, damaged,
+                        u"\U0001F60A"sv};
     for (const TextView text : texts) EXPECT_TRUE(File.Write(u"S" + Text(text), u"K" + Text(text), Text(text)));
     for (const TextView text : texts) EXPECT_EQ(File.Read(u"S" + Text(text), u"K" + Text(text)), text) << ToUtf8(text);
 }

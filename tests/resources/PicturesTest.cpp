@@ -99,8 +99,9 @@ TEST(ButtonSkin, TilesRepeatWithoutASeam) {
 
 TEST(MessageBoxSkin, PiecesMeetWithoutASeam) {
     const auto part = [](const char* name, int left, int top, int width, int height) {
-        std::vector<std::uint32_t> pixels;
-        for (int i = 0; i < width * height; ++i) pixels.push_back(At(Find(name), left + i % width, top + i / width));
+        std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width * height));
+        for (int i = 0; i < width * height; ++i)
+            pixels[static_cast<std::size_t>(i)] = At(Find(name), left + i % width, top + i / width);
         return pixels;
     };
     const auto title = part("Title", 0, 0, 1, 28);
