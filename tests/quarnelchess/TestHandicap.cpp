@@ -39,25 +39,18 @@ Player Engine(Search& search, int skill, std::uint64_t nodes = 0) {
     };
 }
 
-Player RandomMover(std::mt19937& random) {
-    return [&random](const Board& board, const std::vector<Key>&) {
-        MoveBuffer moves;
-        GenerateMoves(board, moves);
-        return moves[random() % moves.Size()];
-    };
-}
-
-/// Takes the most valuable piece in sight, anything at all when there is none.
-Player Grabber(std::mt19937& random) {
-    return [&random](const Board& board, const std::vector<Key>&) {
+/// Takes the most valuable piece in sight if `greedy`; otherwise, or when there is none, anything at all.
+Player Beginner(std::mt19937& random, bool greedy) {
+    return [&random, greedy](const Board& board, const std::vector<Key>&) {
         MoveBuffer moves;
         GenerateMoves(board, moves);
         std::vector<Move> best;
         int bestPrey = -1;
         for (const Move move : moves) {
-            const int prey = !board.IsCapture(move)               ? 0
-                             : move.Kind() == MoveKind::EnPassant ? ExchangeValue[Pawn]
-                                                                  : ExchangeValue[KindOf(board.At(move.To()))];
+            const int prey =
+                greedy && board.IsCapture(move)
+                    ? board.At(move.To()) == NoPiece ? ExchangeValue[Pawn] : ExchangeValue[KindOf(board.At(move.To()))]
+                    : 0;
             if (prey > bestPrey) best.clear();
             if (prey >= bestPrey) best.push_back(move);
             bestPrey = std::max(bestPrey, prey);
@@ -73,29 +66,28 @@ double ShareOfPoints(int games, const Player& one, const Player& other) {
     return points / games;
 }
 
-TEST(Handicap, TheWeakestLevelIsABeginner) {
+TEST(Handicap, EveryLevelBeatsTheOneBelowAndTheLowestIsABeginner) {
     SteadyClock clock;
-    Search search(clock);
-    search.SetHash(1);
-    search.SetSeed(11);
+    Search weak(clock);
+    Search strong(clock);
+    weak.SetHash(1);
+    strong.SetHash(1);
+    weak.SetSeed(1);
+    strong.SetSeed(11);
     std::mt19937 random(11);
-    EXPECT_GE(ShareOfPoints(30, Engine(search, 10), RandomMover(random)), 0.9);
-    const double againstGrabber = ShareOfPoints(30, Engine(search, 10), Grabber(random));
-    EXPECT_GE(againstGrabber, 0.2);
-    EXPECT_LE(againstGrabber, 0.85);
-}
-
-TEST(Handicap, EveryLevelBeatsTheOneBelow) {
-    SteadyClock clock;
-    const int skills[] = {10, 20, 30, 50, 75};
-    for (int i = 1; i < 5; ++i) {
-        Search weak(clock);
-        Search strong(clock);
-        weak.SetHash(1);
-        strong.SetHash(1);
-        weak.SetSeed(1);
-        strong.SetSeed(2);
-        EXPECT_GT(ShareOfPoints(10, Engine(strong, skills[i]), Engine(weak, skills[i - 1])), 0.55) << skills[i];
+    const struct {
+        int Skill;
+        Player Opponent;
+        int Games;
+        double Least; // of the points
+        double Most;
+    } cases[] = {{10, Beginner(random, false), 30, 0.9, 1}, {10, Beginner(random, true), 30, 0.2, 0.85},
+                 {20, Engine(weak, 10), 10, 0.6, 1},        {30, Engine(weak, 20), 10, 0.6, 1},
+                 {50, Engine(weak, 30), 10, 0.6, 1},        {75, Engine(weak, 50), 10, 0.6, 1}};
+    for (const auto& c : cases) {
+        const double share = ShareOfPoints(c.Games, Engine(strong, c.Skill), c.Opponent);
+        EXPECT_GE(share, c.Least) << c.Skill;
+        EXPECT_LE(share, c.Most) << c.Skill;
     }
 }
 
@@ -116,60 +108,48 @@ TEST(Handicap, CarefulPlayersSeeMateInOneAndTheirQueen) {
     SteadyClock clock;
     Search search(clock);
     search.SetHash(1);
+    const struct {
+        const char* Fen;
+        bool Mates;
+    } cases[] = {{"6k1/5ppp/8/8/8/8/5PPP/3R2K1 w - - 0 1", true},
+                 {"r4rk1/pp3ppp/2p5/8/8/2P5/PP3PPP/3QR1K1 w - - 0 1", false},
+                 {"3r2k1/5ppp/8/8/8/8/1B3PPP/6K1 w - - 0 1", false},    // Rd1 mates unless met
+                 {"6k1/3p4/2n5/4Q3/8/8/PPP2PPP/4K3 w - - 0 1", false}}; // the knight attacks the queen
     for (std::uint64_t seed = 0; seed < 15; ++seed) {
+        search.SetSeed(seed);
         for (const int skill : {50, 75, 99}) {
-            search.SetSeed(seed);
-            SearchLimits limits;
-            limits.Skill = skill;
-            const auto play = [&](const char* fen) {
-                SearchRoot root;
-                root.Position = BoardOf(fen);
-                return search.Run(root, limits).Best;
-            };
-            const char* const mate = "r4rk1/pp3ppp/2p5/8/8/2P5/PP3PPP/3QR1K1 w - - 0 1"; // no mate here,
-            EXPECT_FALSE(HangsMateOrQueen(BoardOf(mate), play(mate)));
-            const char* const backRank = "6k1/5ppp/8/8/8/8/5PPP/3R2K1 w - - 0 1"; // but here
-            EXPECT_TRUE(MatesAtOnce(BoardOf(backRank), play(backRank)));
-            const char* const defend = "3r2k1/5ppp/8/8/8/8/1B3PPP/6K1 w - - 0 1"; // Rd1 mates unless met
-            EXPECT_FALSE(HangsMateOrQueen(BoardOf(defend), play(defend))) << seed;
-            const char* const queen = "6k1/3p4/2n5/4Q3/8/8/PPP2PPP/4K3 w - - 0 1"; // attacked by the knight
-            EXPECT_FALSE(HangsMateOrQueen(BoardOf(queen), play(queen))) << seed;
+            for (const auto& c : cases) {
+                const Board board = BoardOf(c.Fen);
+                const Move move = Engine(search, skill)(board, {});
+                EXPECT_EQ(MatesAtOnce(board, move), c.Mates) << c.Fen << " " << NameOf(move);
+                EXPECT_FALSE(HangsMateOrQueen(board, move)) << c.Fen << " " << NameOf(move);
+            }
         }
     }
-    const Board threatened = BoardOf("3r2k1/5ppp/8/8/8/8/1B3PPP/6K1 w - - 0 1");
+    const Board threatened = BoardOf(cases[2].Fen);
     EXPECT_FALSE(HangsMateOrQueen(threatened, ReadSan(threatened, "Bc3")));
     EXPECT_TRUE(HangsMateOrQueen(threatened, ReadSan(threatened, "Ba3")));
 }
 
-TEST(Handicap, OversightsFollowTheOccasion) {
+TEST(Handicap, WeakerPlayersSeeLessAndOverlookMoreByTheOccasion) {
     const Board board = Board::Start();
+    for (int skill = 1; skill <= 100; ++skill) {
+        const Handicap weaker = HandicapFor(skill - 1, board);
+        const Handicap stronger = HandicapFor(skill, board);
+        EXPECT_EQ(stronger.IsNone(), skill == 100);
+        EXPECT_TRUE(stronger.IsNone() || weaker.Nodes <= stronger.Nodes) << skill;
+        EXPECT_LE(weaker.Depth, stronger.Depth) << skill;
+        EXPECT_GE(weaker.NoiseCp, stronger.NoiseCp) << skill;
+        EXPECT_GE(weaker.OverlookQuietPermille, stronger.OverlookQuietPermille) << skill;
+    }
     const Handicap handicap = HandicapFor(10, board);
     MoveBuffer moves;
     GenerateMoves(board, moves);
-    int differences = 0;
-    int overlooked = 0;
-    for (const Move move : moves) {
-        EXPECT_EQ(Overlooks(handicap, board, move, 1), Overlooks(handicap, board, move, 1));
-        differences += Overlooks(handicap, board, move, 1) != Overlooks(handicap, board, move, 2);
-        overlooked += Overlooks(handicap, board, move, 1);
-        EXPECT_FALSE(Overlooks(HandicapFor(100, board), board, move, 1));
-    }
-    EXPECT_GT(differences, 0);
-    EXPECT_GT(overlooked, 8); // of twenty, most
-}
-
-TEST(Handicap, SkillsInBetweenAreBlended) {
-    const Board board = Board::Start();
-    for (int skill = 1; skill < 100; ++skill) {
-        const Handicap weaker = HandicapFor(skill - 1, board);
-        const Handicap stronger = HandicapFor(skill, board);
-        EXPECT_LE(weaker.Nodes, stronger.Nodes);
-        EXPECT_LE(weaker.Depth, stronger.Depth);
-        EXPECT_GE(weaker.NoiseCp, stronger.NoiseCp);
-        EXPECT_GE(weaker.OverlookQuietPermille, stronger.OverlookQuietPermille);
-    }
-    EXPECT_TRUE(HandicapFor(100, board).IsNone());
-    EXPECT_FALSE(HandicapFor(99, board).IsNone());
+    std::vector<bool> overlooked[2];
+    for (const Move move : moves)
+        for (const int occasion : {0, 1}) overlooked[occasion].push_back(Overlooks(handicap, board, move, occasion));
+    EXPECT_NE(overlooked[0], overlooked[1]);
+    EXPECT_GT(std::count(overlooked[0].begin(), overlooked[0].end(), true), 8); // of twenty, most
 }
 
 } // namespace

@@ -44,6 +44,7 @@ static void QUARNEL_CALL Input(int32_t wait) {
 
 static void QUARNEL_CALL Output(int32_t length) {
     char text[64];
+    CheckRules();
     if (length < 1 || length > 60) Fail("length");
     memset(text, '#', sizeof text);
     quarnel_GetTxt(text);

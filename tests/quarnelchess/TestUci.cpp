@@ -92,10 +92,12 @@ TEST(Uci, AnswersEachCommandAsTheProtocolHasIt) {
         {{"position startpos moves e2e4 a7a6 e4e5 d7d5 e5d6 g8f6 g1f3 f6g8 f1e2 g8f6 e1g1 f6g8 d6c7 g8f6 c7b8n",
           "go depth 1 searchmoves a8b8"},
          {"bestmove a8b8.*"}},
-        // The third time this position comes up: a draw, though a rook down.
+        // The third time this position comes up: a draw, though a rook down; the first time it is none.
         {{"position fen 6k1/8/8/8/8/8/r7/7K b - - 0 1 moves a2b2 h1g1 b2a2 g1h1 a2b2 h1g1 b2a2 g1h1 a2b2",
           "go depth 4 searchmoves h1g1"},
          {"info depth 4 .* score cp 0 .*", "bestmove h1g1.*"}},
+        {{"position fen 6k1/8/8/8/8/8/1r6/7K w - - 9 1", "go depth 4 searchmoves h1g1"},
+         {"info depth 4 .* score cp -\\d{3,} .*", "bestmove h1g1.*"}},
         // Words before a command do not count, and a second search ends the first.
         {{"joho debug on", "tell go infinite", "go depth 1"},
          {"info string .*joho", "info string .*tell", "bestmove .*"}},
@@ -111,26 +113,13 @@ TEST(Uci, AnswersEachCommandAsTheProtocolHasIt) {
 }
 
 TEST(Uci, LeavesOutWhatItCannotMeanAndSaysSo) {
-    const char* const lines[] = {"xyzzy",
-                                 "\xFF\x01",
-                                 "setoption",
-                                 "setoption name",
-                                 "setoption name Hash",
-                                 "setoption name Hash value 0",
-                                 "setoption name Hash value 1025",
-                                 "setoption name Hash value 1x",
-                                 "setoption name Colour value 3",
-                                 "setoption name OwnBook value maybe",
-                                 "position",
-                                 "position middle",
-                                 "position fen",
-                                 "position fen 8/8/8/8/8/8/8/8 w - -",
-                                 "position fen k7/8/8/8/8/8/8/K6P w - - 0 1",
-                                 "position startpos moves e2e5",
-                                 "position startpos moves e2e4 e7e5 O-O",
-                                 "position fen 9/8 moves e2e4"};
     Conversation conversation;
-    for (const char* line : lines) {
+    for (const char* line :
+         {"xyzzy", "\xFF\x01", "setoption", "setoption name", "setoption name Hash", "setoption name Hash value 0",
+          "setoption name Hash value 1025", "setoption name Hash value 1x", "setoption name Colour value 3",
+          "setoption name OwnBook value maybe", "position", "position middle", "position fen",
+          "position fen 8/8/8/8/8/8/8/8 w - -", "position fen k7/8/8/8/8/8/8/K6P w - - 0 1",
+          "position startpos moves e2e5", "position startpos moves e2e4 e7e5 O-O", "position fen 9/8 moves e2e4"}) {
         const std::vector<std::string> answers = conversation.Ask({line});
         EXPECT_EQ(CountMatches(answers, "info string [^]+"), 1U) << line << "\n" << Joined(answers);
     }
@@ -143,48 +132,52 @@ TEST(Uci, LeavesOutWhatItCannotMeanAndSaysSo) {
 }
 
 TEST(Uci, AnswersAnEndlessSearchOnlyWhenItIsAsked) {
-    const struct {
-        const char* Go;
-        const char* End;
-    } cases[] = {{"go infinite depth 2", "stop"},
-                 {"go ponder movetime 50", "ponderhit"},
-                 {"go ponder wtime 1000 btime 1000", "ponderhit"},
-                 {"go ponder depth 2", "stop"},
-                 {"go infinite", "quit"}};
-    for (const auto& c : cases) {
-        auto conversation = std::make_unique<Conversation>();
-        conversation->Say({"position startpos moves e2e4", c.Go});
-        conversation->Time.Advance(100000);
+    const char* const cases[][2] = {{"go infinite depth 2", "stop"},
+                                    {"go ponder movetime 50", "ponderhit"},
+                                    {"go ponder wtime 1000 btime 1000", "ponderhit"},
+                                    {"go ponder depth 2", "stop"},
+                                    {"go infinite", "quit"}}; // ends while it searches
+    for (const auto& [go, end] : cases) {
+        Conversation conversation;
+        conversation.Say({"position startpos moves e2e4", go});
+        conversation.Time.Advance(100000);
         std::this_thread::sleep_for(std::chrono::milliseconds(15));
-        EXPECT_TRUE(conversation->Say({"isready"}));
-        const std::vector<std::string> before = conversation->Take();
-        EXPECT_EQ(CountMatches(before, "bestmove.*"), 0U) << c.Go;
+        EXPECT_TRUE(conversation.Say({"isready"}));
+        const std::vector<std::string> before = conversation.Take();
+        EXPECT_EQ(CountMatches(before, "bestmove.*"), 0U) << go;
         EXPECT_EQ(before.empty() ? "" : before.back(), "readyok");
-        if (std::string(c.End) == "quit") continue; // ends while it searches
-        conversation->Say({c.End});
-        conversation->Time.Advance(100000);
-        conversation->AwaitAnswer();
-        EXPECT_EQ(CountMatches(conversation->Take(), "bestmove.*"), 1U) << c.Go;
+        if (std::string(end) == "quit") continue;
+        conversation.Say({end});
+        conversation.Time.Advance(100000);
+        conversation.AwaitAnswer();
+        EXPECT_EQ(CountMatches(conversation.Take(), "bestmove.*"), 1U) << go;
     }
 }
 
-/// The moves of a game that the engine plays against itself.
-std::string PlaySeed(int seed) {
+/// What the engine reports of a game that it plays against itself, but for times.
+std::string PlaySeed(int skill, int seed) {
     Conversation conversation;
-    conversation.Say({"setoption name Skill value 30", "setoption name OwnBook value true",
+    conversation.Say({"setoption name Skill value " + std::to_string(skill), "setoption name OwnBook value true",
                       "setoption name Seed value " + std::to_string(seed), "ucinewgame"});
     std::string moves;
+    std::string reports;
     for (int ply = 0; ply < 12; ++ply) {
-        const std::string answer = conversation.Ask({"position startpos moves" + moves, "go nodes 2000"}).back();
-        moves += answer.substr(8, answer.find(" ponder") - 8).insert(0, " ");
+        const auto answers = conversation.Ask({"position startpos moves" + moves, "go nodes 2000"});
+        for (const std::string& answer : answers)
+            if (answer.find("seldepth") != std::string::npos)
+                reports += std::regex_replace(answer, std::regex(" (nps|time) \\d+"), "") + "\n";
+        reports += answers.back() + "\n";
+        moves += " " + answers.back().substr(9, answers.back().find(" ponder") - 9);
     }
-    return moves;
+    return reports;
 }
 
 TEST(Uci, PlaysTheSameGameWithTheSameSeedOnly) {
-    const std::string game = PlaySeed(1);
-    EXPECT_EQ(PlaySeed(1), game);
-    EXPECT_TRUE(PlaySeed(2) != game || PlaySeed(3) != game);
+    for (const int skill : {30, 100}) {
+        const std::string game = PlaySeed(skill, 1);
+        EXPECT_EQ(PlaySeed(skill, 1), game);
+        EXPECT_TRUE(PlaySeed(skill, 2) != game || PlaySeed(skill, 3) != game);
+    }
 }
 
 TEST(Uci, LimitsItsStrengthByRating) {
