@@ -76,8 +76,6 @@ TEST(Records, ListTheColourAskedForWhoeverIsToMove) {
         Color Side;
         std::vector<MoveBytes> Moves;
     } cases[] = {
-        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", White, {{5, 7, 5, 5}}},
-        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", Black, {{5, 2, 5, 4}}},
         {castling, White, {{5, 8, 0, 0, 1}, {5, 8, 0, 0, 2}}},
         {castling, Black, {{5, 1, 0, 0, 1}, {5, 1, 0, 0, 2}}},
         {promotion, White, {{1, 2, 1, 1, 0, 2}, {1, 2, 1, 1, 0, 3}, {1, 2, 1, 1, 0, 4}, {1, 2, 1, 1, 0, 5}}},

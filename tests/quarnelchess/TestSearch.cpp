@@ -67,19 +67,6 @@ TEST(Search, KeepsItsDeadlineByTheClockItIsGiven) {
     }
 }
 
-TEST(Search, StopsEndlessSearchesWithAMoveInHand) {
-    SteadyClock clock;
-    Search search(clock);
-    SearchLimits limits;
-    limits.Infinite = true;
-    for (int threads = 1; threads <= 3; ++threads) {
-        search.SetThreads(threads);
-        search.Start({}, limits);
-        search.Stop();
-        EXPECT_TRUE(IsLegal(Board::Start(), search.Result().Best));
-    }
-}
-
 TEST(Search, ReportsLinesOfLegalMovesBestFirst) {
     SteadyClock clock;
     Search search(clock);
