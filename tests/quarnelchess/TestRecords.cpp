@@ -100,15 +100,15 @@ TEST(Records, ListTheColourAskedForWhoeverIsToMove) {
 TEST(Records, PlayWhatTheyAreToldAndNothingElse) {
     const Position start = RecordOf("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
     const MoveBytes ignored[] = {
-        {},
-        {0, 0, 0, 0, 0, 250},
-        {0, 0, 0, 0, 0, 251},
-        {5, 7, 5, 5, 0, 252}, // results
+        {},                   // nothing
+        {0, 0, 0, 0, 0, 250}, // results
+        {0, 0, 0, 0, 0, 251}, //
+        {5, 7, 5, 5, 0, 252}, //
         {5, 5, 5, 4},         // no piece there
-        {9, 7, 5, 5},
-        {5, 7, 5, 9}, // off the board
-        {5, 8, 0, 0, 3},
-        {4, 8, 0, 0, 1}, // no such castling
+        {9, 7, 5, 5},         // off the board
+        {5, 7, 5, 9},         //
+        {5, 8, 0, 0, 3},      // no such castling
+        {4, 8, 0, 0, 1},      //
     };
     for (const MoveBytes& bytes : ignored) {
         const Position after = After(start, bytes);

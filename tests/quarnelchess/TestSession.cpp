@@ -35,10 +35,10 @@ class Dialogue {
         HandOver(lines);
         Settle();
     }
-    /// Steps until a text comes. The milliseconds that it took.
-    std::int64_t AwaitText() {
+    /// Steps until the move that is owed has come. The milliseconds that it took.
+    std::int64_t AwaitMove() {
         const std::int64_t before = Time.NowMs();
-        for (const std::size_t texts = Texts.size(); Texts.size() == texts;) TheSession.Step();
+        while (TheSession.IsThinking()) TheSession.Step();
         return Time.NowMs() - before;
     }
 
@@ -169,7 +169,7 @@ TEST(Session, AsksOnWithoutWaitingWhileAMoveIsOwed) {
     Dialogue d;
     d.HandOver({"skill 100 20", Middlegame, "h3"});
     d.Log.clear();
-    const std::int64_t elapsed = d.AwaitText();
+    const std::int64_t elapsed = d.AwaitMove();
     EXPECT_EQ(std::count(d.Log.begin(), d.Log.end(), "1"), 0);
     const auto calls = std::count(d.Log.begin(), d.Log.end(), "0");
     EXPECT_GE(calls, elapsed / 10);
@@ -214,7 +214,7 @@ TEST(Session, HoldsRepliesBackForAMomentAndKeepsItsTime) {
         const std::int64_t before = d.Time.NowMs();
         d.HandOver({c.Line});
         EXPECT_TRUE(d.TheSession.IsThinking());
-        d.AwaitText();
+        d.AwaitMove();
         EXPECT_TRUE(Matches(d.Texts.back(), c.Text)) << d.Texts.back();
         EXPECT_GE(d.Time.NowMs() - before, c.LeastMs) << c.Line;
         EXPECT_LE(d.Time.NowMs() - before, c.MostMs) << c.Line;
