@@ -236,4 +236,8 @@ int EndgameScale(const Board& board, Color strong) {
     return std::min(64, 36 + 6 * PopCount(strongPawns));
 }
 
+void PrepareEndings() {
+    TheKingPawnTable();
+}
+
 } // namespace quarnel::engine

@@ -16,4 +16,7 @@ int EndgameScale(const Board& board, Color strong);
 /// first use (a few milliseconds). `strong` owns the pawn.
 bool KingPawnEndingIsWon(Color strong, Square strongKing, Square pawn, Square weakKing, Color sideToMove);
 
+/// Computes what EvaluateKnownEnding() looks up, some ten milliseconds' work that the first use would do otherwise.
+void PrepareEndings();
+
 } // namespace quarnel::engine

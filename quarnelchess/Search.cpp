@@ -1,10 +1,12 @@
 #include "Search.h"
 
+#include "Endgames.h"
 #include "MoveGen.h"
 #include "SearchWorker.h"
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace quarnel::engine {
 namespace {
@@ -51,7 +53,7 @@ void Search::ShareOutPawnCache() {
 void Search::SetHash(std::size_t megabytes) {
     Stop();
     Result();
-    table_.Resize(megabytes);
+    if (std::exchange(hashMb_, megabytes) != megabytes) table_.Resize(megabytes);
 }
 
 void Search::SetSeed(std::uint64_t seed) {
@@ -73,11 +75,13 @@ void Search::Start(const SearchRoot& root, const SearchLimits& limits, InfoCallb
     Result();
     root_ = root;
     limits_ = limits;
-    handicap_ = HandicapFor(limits.Skill, root_.Position);
+    const Handicap before = std::exchange(handicap_, HandicapFor(limits.Skill, root_.Position));
+    forgetTable_ = before.IsNone() != handicap_.IsNone();
     occasion_ = seed_ * 1000003 + searches_++;
     info_ = std::move(info);
     result_ = {};
     stop_.store(false, std::memory_order_relaxed);
+    limitReached_.store(false, std::memory_order_relaxed);
     pondering_.store(limits.Ponder, std::memory_order_relaxed);
     startMs_ = limits.StartMs >= 0 ? limits.StartMs : clock_.NowMs();
     SetDeadlines();
@@ -158,6 +162,7 @@ SearchResult Search::Result() {
 }
 
 void Search::Loop() {
+    PrepareEndings();
     std::unique_lock lock(mutex_);
     while (true) {
         wake_.wait(lock, [this] { return requested_ || quit_; });
@@ -172,7 +177,10 @@ void Search::Loop() {
 }
 
 void Search::RunSearch() {
+    // What a player overlooked is not in the table, and what another one saw is more than he would.
+    if (forgetTable_) table_.Clear();
     table_.NextGeneration();
+    for (const auto& worker : workers_) worker->ResetNodes();
     std::vector<std::thread> helpers;
     // A weaker player works alone, so that its work is measured.
     const std::size_t threads = handicap_.IsNone() ? workers_.size() : 1;
@@ -181,7 +189,7 @@ void Search::RunSearch() {
     // An endless search has said all it can, but its answer is wanted only when asked for.
     while ((limits_.Infinite || pondering_.load(std::memory_order_relaxed)) && !stop_.load(std::memory_order_relaxed))
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    stop_.store(true, std::memory_order_relaxed);
+    ReachLimit();
     for (std::thread& helper : helpers) helper.join();
 
     SearchResult result;
@@ -195,6 +203,7 @@ void Search::RunSearch() {
         const RootMove& best = moves[ChooseCandidate(root_.Position, candidates, handicap_, occasion_)];
         result.Best = best.First;
         result.Value = best.Value != -InfiniteValue ? best.Value : best.PreviousValue;
+        if (result.Value == -InfiniteValue) result.Value = 0; // stopped before it was looked at
         result.Depth = worker.CompletedDepth();
         result.Reply = ExpectedReply(best.Line);
     }

@@ -81,6 +81,7 @@ class Search {
 
     // Settings: they wait for a running search to end.
     void SetThreads(int count); // 1..64
+    /// A new size forgets what the table holds.
     void SetHash(std::size_t megabytes);
     /// Room for pawn structures, shared out among the threads; each has at least 64 kB.
     void SetPawnCache(std::size_t megabytes);
@@ -109,6 +110,11 @@ class Search {
     void RunSearch();
     std::uint64_t Nodes() const;
     bool OutOfTime() const;
+    /// Ends the workers, but not a search that answers only when it is asked to.
+    void ReachLimit() { limitReached_.store(true, std::memory_order_relaxed); }
+    bool IsEnding() const {
+        return stop_.load(std::memory_order_relaxed) || limitReached_.load(std::memory_order_relaxed);
+    }
     bool HasDeadline() const { return limits_.MoveTimeMs >= 0 || limits_.RemainingMs >= 0; }
     /// No new iteration: later when the best move keeps changing or its value falls, sooner when it stands.
     bool SoftTimeIsUp(int stability, int valueDropCp) const;
@@ -118,7 +124,8 @@ class Search {
     void ShareOutPawnCache();
 
     Clock& clock_;
-    TranspositionTable table_;
+    std::size_t hashMb_ = 16;
+    TranspositionTable table_{hashMb_};
     std::vector<std::unique_ptr<SearchWorker>> workers_;
     std::size_t pawnCacheBytes_ = 1 << 20;
     std::uint64_t seed_ = 0;
@@ -126,11 +133,13 @@ class Search {
     SearchRoot root_;
     SearchLimits limits_;
     Handicap handicap_;
+    bool forgetTable_ = false;
     std::uint64_t searches_ = 0; // since the seed was set
     std::uint64_t occasion_ = 0; // random state of the search, for a player with a handicap
     InfoCallback info_;
     SearchResult result_;
     std::atomic<bool> stop_{false};
+    std::atomic<bool> limitReached_{false};
     std::atomic<bool> running_{false};
     std::atomic<bool> pondering_{false};
     std::int64_t startMs_ = 0;        // what the deadlines are counted from

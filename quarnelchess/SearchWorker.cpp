@@ -11,6 +11,7 @@ namespace {
 
 constexpr int DrawValue = 0;
 constexpr std::uint64_t StopCheckNodes = 512; // a power of two
+constexpr std::uint64_t FirstIterationNodes = 20000;
 
 /// Late moves are searched shallower, the more so the deeper the node and the later the move.
 struct ReductionTable {
@@ -57,7 +58,6 @@ void SearchWorker::Clear() {
 // --- Iterative deepening --------------------------------------------------------------------------
 
 void SearchWorker::PrepareRoot() {
-    nodes_.store(0, std::memory_order_relaxed);
     stopped_ = false;
     completedDepth_ = 0;
     nullMoveFromPly_ = 0;
@@ -186,17 +186,18 @@ void SearchWorker::Report(int index) const {
 bool SearchWorker::CountNodeAndCheckStop() {
     const std::uint64_t nodes = nodes_.load(std::memory_order_relaxed) + 1;
     nodes_.store(nodes, std::memory_order_relaxed);
-    // The first iteration always completes, so that there is a searched move to play.
-    if (completedDepth_ == 0) return false;
+    // The first iteration completes, so that there is a searched move to play, unless the position is so wild that
+    // this would take long.
+    if (completedDepth_ == 0 && nodes < FirstIterationNodes) return false;
     if (index_ == 0) {
         const std::uint64_t limit = search_.limits_.Nodes;
         const bool checkTime = nodes % StopCheckNodes == 0;
         if (limit != 0 && (search_.workers_.size() == 1 ? nodes >= limit : checkTime && search_.Nodes() >= limit))
-            search_.Stop();
-        if (search_.handicap_.Nodes != 0 && nodes >= search_.handicap_.Nodes) search_.Stop();
-        if (checkTime && search_.OutOfTime()) search_.Stop();
+            search_.ReachLimit();
+        if (search_.handicap_.Nodes != 0 && nodes >= search_.handicap_.Nodes) search_.ReachLimit();
+        if (checkTime && search_.OutOfTime()) search_.ReachLimit();
     }
-    if (search_.stop_.load(std::memory_order_relaxed)) stopped_ = true;
+    if (search_.IsEnding()) stopped_ = true;
     return stopped_;
 }
 

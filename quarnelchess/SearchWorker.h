@@ -24,6 +24,7 @@ class SearchWorker {
     /// Deepens until a limit or a stop; worker 0 decides about time and reports.
     void Think();
 
+    void ResetNodes() { nodes_.store(0, std::memory_order_relaxed); }
     std::uint64_t Nodes() const { return nodes_.load(std::memory_order_relaxed); }
     /// Ordered best first, as of the last iteration.
     const std::vector<RootMove>& RootMoves() const { return rootMoves_; }

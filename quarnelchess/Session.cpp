@@ -96,14 +96,26 @@ void Session::Obey(std::string_view line) {
 }
 
 bool Session::ObeySetting(std::string_view word, std::string_view rest) {
+    if (!TakeSetting(word, rest)) return false;
+    // At once if it can be, so that no search pays for it out of its time.
+    if (!thinking_ && !pondering_) ApplySettings();
+    return true;
+}
+
+bool Session::TakeSetting(std::string_view word, std::string_view rest) {
     const std::string_view first = NextWord(rest);
     const std::string_view second = NextWord(rest);
     if (word == "skill") {
         const std::optional<int> skill = ReadNumber(first, 0, 100);
         const std::optional<int> tenths = ReadNumber(second, 0, 36000);
         if (!skill || !tenths) return false;
+        const bool changed = skill_ != *skill || tenths_ != *tenths;
         skill_ = *skill;
         tenths_ = *tenths;
+        if (changed && pondering_) {
+            StopPondering();
+            Ponder();
+        }
         return true;
     }
     if (word == "mt") {
@@ -275,13 +287,15 @@ void Session::Go() {
 }
 
 void Session::StartSearch(const SearchRoot& root, const SearchLimits& limits) {
-    if (settingsChanged_) {
-        search_.SetThreads(threads_);
-        search_.SetPawnCache(pawnCacheMb_);
-        search_.SetHash(hashMb_);
-        settingsChanged_ = false;
-    }
+    ApplySettings();
     search_.Start(root, limits);
+}
+
+void Session::ApplySettings() {
+    if (!std::exchange(settingsChanged_, false)) return;
+    search_.SetThreads(threads_);
+    search_.SetPawnCache(pawnCacheMb_);
+    search_.SetHash(hashMb_);
 }
 
 void Session::Ponder() {

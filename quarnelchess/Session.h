@@ -16,7 +16,8 @@
 //              go, no legal move           announce the end                                 idle
 //              force                       "White(0): - ", a line that plays nothing        idle
 //              new, setboard, white,       change the board, forget the expected move       idle
-//              black, movenumber
+//              black, movenumber           (movenumber, and the side that is to move anyway,
+//                                          keep it)
 //              ponder on                   think about the expected move, if there is one   pondering
 //              ponder off                                                                   idle
 //   thinking   (search ends)               move line, then mate or stalemate if it is so    idle, pondering
@@ -26,7 +27,8 @@
 //              go                          nothing: the running search answers it           thinking
 //              user's move                 "Illegal now."                                   thinking
 //   any        sync                        the next search counts its time from here        same
-//              skill, mt, adaptive         settings, from the next search on                same
+//              skill, mt, adaptive         settings, from the next search on; pondering     same
+//                                          starts anew at another skill
 //              ponder (while thinking)     kept for when the search ends                    same
 //              anything else               "I do not understand."                           same
 //
@@ -73,6 +75,8 @@ class Session {
     void Obey(std::string_view line);
     bool ObeyPositionCommand(std::string_view word, std::string_view rest);
     bool ObeySetting(std::string_view word, std::string_view rest);
+    bool TakeSetting(std::string_view word, std::string_view rest);
+    void ApplySettings();
     bool SetBoard(std::string_view fen);
     bool SetSide(Color side);
     bool UserMove(std::string_view text);

@@ -51,7 +51,7 @@ LadderSpec ReadArguments(const std::vector<std::string>& arguments) {
         else if (option == "--concurrency")
             spec.Concurrency = words.Number(option, 1, 256);
         else if (option == "--hash")
-            spec.HashMb = words.Number(option, 1, 65536);
+            spec.HashMb = words.Number(option, 1, 1024);
         else if (option == "--seed")
             spec.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
         else
