@@ -77,9 +77,9 @@ void GameFiles::SaveGame() {
         Open(ShowFileDialog(true, Text(SaveTitle)), std::ios::out | std::ios::trunc);
         WriteRecord(plies, lines);
     } catch (const Failure&) {
-        EndWith(u"Error!");
+        Fail();
     } catch (const std::exception&) {
-        EndWith(u"Error!");
+        Fail();
     }
 }
 
@@ -102,10 +102,10 @@ void GameFiles::LoadGame() {
         inSequence = ReadRecord();
         file_.close();
     } catch (const Failure&) {
-        EndWith(u"Error!");
+        Fail();
         return;
     } catch (const std::exception&) {
-        EndWith(u"Error!");
+        Fail();
         return;
     }
     if (inSequence) {
@@ -147,6 +147,11 @@ bool GameFiles::ReadRecord() {
     state_.PlyCount = *plies;
     if (Field<Failure>(fields, 2).empty()) --state_.PlyCount;
     return true;
+}
+
+void GameFiles::Fail() {
+    file_ = std::fstream();
+    EndWith(u"Error!");
 }
 
 void GameFiles::TakeSides(bool userIsWhite) {

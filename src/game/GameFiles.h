@@ -38,6 +38,8 @@ class GameFiles {
     bool ReadRecord();
     std::optional<std::vector<Text>> ReadFields();
     void TakeSides(bool userIsWhite);
+    /// Closes whatever is open and says so.
+    void Fail();
     void EndWith(const Text& message) { messages_.MsgBoxXP(message); }
 
     GameState& state_;
@@ -47,8 +49,8 @@ class GameFiles {
     Form& frmBoard_;
     Desktop& desktop_;
 
-    // The one file open. A handler that saves or loads while a load redraws the board closes it, and the
-    // load under it then fails.
+    // The one file open. A handler that saves or loads while a load redraws the board closes it, whatever comes
+    // of it, and the load under it then fails.
     std::fstream file_;
 };
 

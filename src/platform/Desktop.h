@@ -1,4 +1,4 @@
-// The desktop as the program sees it: window events, forms, text, files dialogs, settings, libraries.
+// The desktop as the program sees it: window events, forms, text, file dialogs, settings, libraries.
 //
 // Two back ends stand behind it: platform/qt (real windows) and platform/scripted (tests). Whoever
 // writes another one: push what the toolkit reports into an EventQueue and nothing else; keep peek,

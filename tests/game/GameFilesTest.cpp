@@ -158,8 +158,7 @@ TEST_F(GameRecords, TheDrawTokenRoundTripsInTheCentralEuropeanCodePage) {
     });
 }
 
-// A record of a user of Black: dropping the abandoned move leaves the controls waiting, so "Move now" or a
-// new game is next.
+// A record of a user of Black: dropping the abandoned move leaves every control off, so a new game is next.
 TEST_F(GameRecords, OfABlackUserLoadedWhileTheEngineThinksKeepTheThinkingState) {
     Play([&] {
         DragMove("e2", "e4");
@@ -169,6 +168,7 @@ TEST_F(GameRecords, OfABlackUserLoadedWhileTheEngineThinksKeepTheThinkingState) 
         Engine.Say("Black(1): c5 ");
         EXPECT_EQ(State().Thinking, True);
         EXPECT_EQ(State().StopRequested, False);
+        EXPECT_EQ(Controls(), 's');
         EXPECT_EQ(State().CurPos.SideToMove, Black);
         EXPECT_EQ(State().PlyCount, 1);
     });
