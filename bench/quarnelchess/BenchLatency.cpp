@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <vector>
 
 using namespace quarnel::engine;
@@ -70,19 +71,25 @@ int main(int argc, char** argv) {
     session.Receive("adaptive 10M 4M 64M 1M 16M");
     session.Receive("skill 100 " + std::to_string(tenths));
     session.Step();
-    for (int i = 0; i < moves; ++i) {
-        if (i % 20 == 0) session.Receive("new");
+    // No opening position: the book would answer without a search.
+    const std::string middlegame = "setboard r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1";
+    const auto go = [&] {
         session.Receive("go");
-        session.Step();
+        pausing.Slept = 0;
         started = std::chrono::steady_clock::now();
+        session.Step();
+        held.push_back(MsSince(started) - pausing.Slept);
+    };
+    for (int i = 0; i < moves; ++i) {
+        if (i % 20 == 0) session.Receive(middlegame);
+        go();
         const int before = answers;
         while (answers == before) session.Step();
         overshoot.push_back(MsSince(started) - tenths * 100);
     }
     for (int i = 0; i < moves; ++i) {
-        session.Receive("new");
-        session.Receive("go");
-        session.Step();
+        session.Receive(middlegame);
+        go();
         for (int step = 0; step < 20; ++step) session.Step();
         started = std::chrono::steady_clock::now();
         session.Receive("force");
