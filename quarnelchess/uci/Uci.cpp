@@ -14,11 +14,11 @@ namespace quarnel::engine {
 namespace {
 
 // What the levels play like: the steps between them are measured, the lowest is an estimate. Between two of them a
-// level is blended.
+// level is blended; 99 is the strongest that is limited by its work.
 constexpr struct {
     int Skill;
     int Elo;
-} Ladder[] = {{10, 500}, {20, 910}, {30, 1230}, {50, 1620}, {75, 1980}, {100, 2700}};
+} Ladder[] = {{10, 500}, {20, 910}, {30, 1230}, {50, 1620}, {75, 1980}, {99, 2340}, {100, 2700}};
 constexpr int LowestElo = std::begin(Ladder)->Elo;
 constexpr int HighestElo = (std::end(Ladder) - 1)->Elo;
 
