@@ -16,7 +16,9 @@ namespace {
 
 /// A file of random positions, each valued by weights that are not the compiled ones.
 std::string WriteRandomPositions(double factor) {
-    const std::string path = testing::TempDir() + "quarnel-tuning-positions.txt";
+    // Tests run side by side, so each has a file of its own.
+    const std::string path =
+        testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + "-positions.txt";
     std::ofstream file(path);
     engine::ForRandomPositions(40, 60, [&](const engine::Board& board) {
         engine::EvaluationTrace trace;
