@@ -1,6 +1,7 @@
 #include "Board.h"
 
 #include "Fen.h"
+#include "Mix.h"
 
 #include <algorithm>
 #include <array>
@@ -16,13 +17,12 @@ struct ZobristTable {
 };
 
 constexpr ZobristTable MakeZobrist() {
-    // A counter stepped by the golden ratio and mixed: every 64-bit value once, in scrambled order.
+    // A counter, mixed: every 64-bit value once, in scrambled order.
     std::uint64_t counter = 0x51A7E5EEDULL;
     const auto next = [&counter] {
-        std::uint64_t z = (counter += 0x9E3779B97F4A7C15ULL);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-        return z ^ (z >> 31);
+        const Key key = Mix(counter);
+        counter += MixStep;
+        return key;
     };
     ZobristTable table{};
     for (auto& squares : table.Piece)

@@ -1,5 +1,6 @@
 #include "Book.h"
 
+#include "Mix.h"
 #include "San.h"
 #include "Text.h"
 
@@ -13,13 +14,6 @@ constexpr BookLine AllLines[] = {
 };
 
 constexpr int AllPlies = 1000;
-
-std::uint64_t Mix(std::uint64_t z) {
-    z += 0x9E3779B97F4A7C15ULL;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-    return z ^ (z >> 31);
-}
 
 } // namespace
 

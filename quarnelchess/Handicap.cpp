@@ -1,5 +1,6 @@
 #include "Handicap.h"
 
+#include "Mix.h"
 #include "MoveGen.h"
 
 #include <algorithm>
@@ -32,13 +33,6 @@ constexpr Level Levels[] = {
 
 constexpr int CarefulFromSkill = 50;
 constexpr int EndingsFromSkill = 30;
-
-std::uint64_t Mix(std::uint64_t z) {
-    z += 0x9E3779B97F4A7C15ULL;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBULL;
-    return z ^ (z >> 31);
-}
 
 int Between(int low, int high, int part, int whole) {
     return low + (high - low) * part / whole;

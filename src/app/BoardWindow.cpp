@@ -72,7 +72,7 @@ void BoardWindow::AddControls() {
     // In the middle at 100 %, for a start that applies no zoom.
     Place(Picture1, 45, 52, PanelSize.Width, PanelSize.Height);
     Picture1.Add(Label1);
-    Label1.Font = FontSpec{u"Tahoma", 8.25, false};
+    Label1.Font = FontChoice{u"Tahoma", 8.25, false};
     Label1.WordWrap = true;
     const int buttonTop = PanelSize.Height - PanelMargin - PanelButtonHeight;
     Place(Label1, PanelMargin, PanelMargin, PanelSize.Width - 2 * PanelMargin, buttonTop - 2 * PanelMargin);

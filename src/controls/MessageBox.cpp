@@ -79,13 +79,13 @@ void FrmMsg::LoadDesign() {
     img_Icon.Height = IconSize;
     Place(img_Icon, 8, (TitleHeight - IconSize) / 2);
     img_Icon.Image = nullptr;
-    Caption1.Font = Caption2.Font = FontSpec{u"Verdana", 8.25, false};
+    Caption1.Font = Caption2.Font = FontChoice{u"Verdana", 8.25, false};
     Place(Caption2, CaptionLeft, CaptionTop);
     Place(Caption1, CaptionLeft + 1, CaptionTop + 1);
 
-    lbl_Prompt.Font = FontSpec{u"Verdana", 12, true};
+    lbl_Prompt.Font = FontChoice{u"Verdana", 12, true};
     lbl_Prompt.Top = PromptTop;
-    lbl_OK.Font = lbl_No.Font = FontSpec{u"Verdana", 9.75, true};
+    lbl_OK.Font = lbl_No.Font = FontChoice{u"Verdana", 9.75, true};
     lbl_OK.Caption = u"OK";
     lbl_No.Caption = u"No";
     FitToText(lbl_OK);

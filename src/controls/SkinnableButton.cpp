@@ -39,7 +39,7 @@ void ctrl_SkinableButton::ResizeBox::Changed() {
 ctrl_SkinableButton::ctrl_SkinableButton(std::string name, Text caption, bool enabled)
     : pic_Buttons_(PictureSurface("pic_Buttons")), box_(ControlKind::Picture, std::move(name)),
       caption_(std::move(caption)) {
-    lbl_Caption.Font = FontSpec{u"Tahoma", 8.25, false};
+    lbl_Caption.Font = FontChoice{u"Tahoma", 8.25, false};
     lbl_Caption.TextAlignment = Alignment::Centre;
     lbl_Caption.Height = 15;
     lbl_Caption.Caption = caption_;

@@ -22,7 +22,7 @@ struct BoardPictures {
     Surface pquad;              ///< 41 x 41, marker mask: a black border of 4 pixels around white
     Surface pquad2;             ///< 41 x 41 of one colour: a square's, then the mate marker's red
     std::array<PixelPoint, 17> PieceImagePos{}; ///< a piece code's cell in both sheets
-    FontSpec LabelFont{u"Arial", 8.25, true};   ///< the font of buf(0)
+    FontChoice LabelFont{u"Arial", 8.25, true}; ///< the font of buf(0)
 };
 
 /// The pictures that exist before start-up does anything: the sheets, the markers and buf(0).

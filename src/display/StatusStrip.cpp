@@ -12,7 +12,7 @@ StatusStrip::StatusStrip() {
 
     mdis.Width = 153;
     mdis.Height = 17;
-    mdis.Font = FontSpec{u"Tahoma", 8, false};
+    mdis.Font = FontChoice{u"Tahoma", 8, false};
     mdis.ForeColor = ColourWhite;
     mdis.Caption = u"Welcome";
 

@@ -24,7 +24,7 @@ void Place(Control& control, double left, double top, double width, double heigh
 // Leaves the size as it is when there is no such font.
 void SetFontSize(Control& label, int points) {
     if (points < 1 || points > LargestFont) return;
-    FontSpec font = label.Font;
+    FontChoice font = label.Font;
     font.Points = points;
     label.Font = font;
 }

@@ -67,9 +67,9 @@ class Desktop {
     virtual void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width,
                          int height) = 0;
     /// The size in pixels of `text` on one line, or wrapped at `wrapWidth` pixels when that is above 0.
-    virtual Size MeasureText(const Text& text, const FontSpec& font, int wrapWidth) = 0;
+    virtual Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) = 0;
     /// Draws `text` with its top-left corner at (x, y), without a background.
-    virtual void DrawText(Surface& target, int x, int y, const Text& text, const FontSpec& font, Colour colour) = 0;
+    virtual void DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) = 0;
 
     // The user's desktop.
 

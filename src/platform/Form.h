@@ -68,11 +68,11 @@ class Property {
 };
 
 /// A font by its established name (Arial, Tahoma, Verdana); the back end maps it to one at hand.
-struct FontSpec {
+struct FontChoice {
     Text Name = u"Tahoma";
     double Points = 8.25; ///< at 96 dots an inch
     bool Bold = false;
-    bool operator==(const FontSpec&) const = default;
+    bool operator==(const FontChoice&) const = default;
 };
 
 enum class Alignment { Left, Right, Centre };
@@ -136,7 +136,7 @@ class Control : public Element {
     Property<bool> Enabled{*this, true}; ///< a disabled control takes no pointer input; its text is greyed
     Property<Text> Caption{*this};
     Property<Text> ToolTip{*this};
-    Property<FontSpec> Font{*this};
+    Property<FontChoice> Font{*this};
     Property<Alignment> TextAlignment{*this, Alignment::Left};
     Property<bool> WordWrap{*this, false};
     Property<Colour> BackColor{*this, Rgb(240, 240, 240)}; ///< of forms and picture boxes

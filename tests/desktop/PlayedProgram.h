@@ -3,9 +3,9 @@
 // Nothing waits by the clock: each step waits for what the window, the files or the engine's command lines show.
 #pragma once
 
-#include "support/BoardEye.h"
-#include "support/MenuEye.h"
-#include "support/VirtualDisplay.h"
+#include "window/BoardEye.h"
+#include "window/MenuEye.h"
+#include "window/VirtualDisplay.h"
 
 #include "QuarnelChess.h"
 #include "model/GameState.h"

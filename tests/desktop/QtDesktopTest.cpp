@@ -3,8 +3,8 @@
 // What the program's own window shows of it is left to the tests that use the program.
 #include "platform/qt/QtDesktop.h"
 
-#include "support/VirtualDisplay.h"
-#include "support/WindowDriver.h"
+#include "window/VirtualDisplay.h"
+#include "window/WindowDriver.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -252,7 +252,7 @@ TEST_F(QtDesktopTest, ABoxIsCutToItsOutlineAndCarriedByItsTitle) {
 }
 
 TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
-    const FontSpec font{u"Tahoma", 8, false};
+    const FontChoice font{u"Tahoma", 8, false};
     const Size one = TheDesktop->MeasureText(u"Move", font, 0);
     const Size two = TheDesktop->MeasureText(u"Move\r\nMove", font, 0);
     EXPECT_GT(TheDesktop->MeasureText(u"Move  ", font, 0).Width, one.Width);

@@ -48,7 +48,7 @@ struct ExpectedFrame {
 
   private:
     static void DrawLabels(Desktop& desktop, Surface& frame, Truth flipped) {
-        const FontSpec font{u"Arial", 9, true};
+        const FontChoice font{u"Arial", 9, true};
         for (int i = 0; i < 8; ++i) {
             const auto letter = static_cast<char16_t>(flipped ? u'H' - i : u'A' + i);
             const auto digit = static_cast<char16_t>(flipped ? u'1' + i : u'8' - i);

@@ -15,19 +15,19 @@ namespace fs = std::filesystem;
 const std::atomic<bool> Running{false};
 
 /// Both players read their moves from one script.
-MatchSpec Scripted(const std::string& script, int games) {
-    MatchSpec spec;
-    for (PlayerSpec& player : spec.Players) {
-        player.Name = &player == spec.Players ? "first" : "second";
+MatchSetup Scripted(const std::string& script, int games) {
+    MatchSetup setup;
+    for (PlayerSetup& player : setup.Players) {
+        player.Name = &player == setup.Players ? "first" : "second";
         player.Command = FAKE_ENGINE " " + script;
         player.PerMove = {Limit::Kind::Nodes, 1};
         // Nobody answers in vain but the one who hangs.
         player.TimeoutMs = script.find("hang") == std::string::npos ? 60000 : 20;
     }
-    spec.Games = games;
-    spec.Concurrency = 1;
-    spec.Opening.Plies = 0;
-    return spec;
+    setup.Games = games;
+    setup.Concurrency = 1;
+    setup.Opening.Plies = 0;
+    return setup;
 }
 
 std::string ReadFile(const fs::path& path) {
@@ -70,9 +70,9 @@ TEST(Referee, EndsGamesByTheRulesAndForFaults) {
         {slowWin, 2, Ending::AdjudicatedWin, 8},
     };
     for (const auto& [script, points, how, plies] : cases) {
-        const MatchSpec spec = Scripted(script, 2);
-        const std::unique_ptr<Player> white = MakePlayer(spec.Players[0], Running);
-        const std::unique_ptr<Player> black = MakePlayer(spec.Players[1], Running);
+        const MatchSetup setup = Scripted(script, 2);
+        const std::unique_ptr<Player> white = MakePlayer(setup.Players[0], Running);
+        const std::unique_ptr<Player> black = MakePlayer(setup.Players[1], Running);
         for (int round = 0; round < 2; ++round) { // the second one with the same processes, or fresh ones
             Game game;
             std::string fault;
@@ -131,10 +131,10 @@ TEST(Referee, AdjudicatesWhatBothPlayersSee) {
 }
 
 TEST(Match, GoesOnAfterFaultsAndCountsThem) {
-    MatchSpec spec = Scripted("e2e4 e7e5 g1f3 crash", 6);
+    MatchSetup setup = Scripted("e2e4 e7e5 g1f3 crash", 6);
     const MatchFile pgn("games");
-    spec.PgnPath = pgn.Path;
-    Match match(spec, Running);
+    setup.PgnPath = pgn.Path;
+    Match match(setup, Running);
     match.Run();
     EXPECT_EQ(match.Standing().Wins, 3); // Black crashes, whoever it is
     EXPECT_EQ(match.Standing().Losses, 3);
@@ -143,25 +143,25 @@ TEST(Match, GoesOnAfterFaultsAndCountsThem) {
     EXPECT_EQ(match.Standing().Pairs, (PairCounts{0, 0, 3, 0, 0}));
     EXPECT_NE(ReadFile(pgn.Path).find("1. e4 e5 2. Nf3 {the process ended with status 3} 1-0"), std::string::npos);
 
-    spec.Players[1].Options = {{"Contempt", "1"}};
-    EXPECT_THROW(Match(spec, Running).Run(), std::runtime_error); // it has no such option
-    spec.Players[1].Command = "/nowhere/engine 2>/dev/null";
-    EXPECT_THROW(Match(spec, Running).Run(), std::runtime_error);
+    setup.Players[1].Options = {{"Contempt", "1"}};
+    EXPECT_THROW(Match(setup, Running).Run(), std::runtime_error); // it has no such option
+    setup.Players[1].Command = "/nowhere/engine 2>/dev/null";
+    EXPECT_THROW(Match(setup, Running).Run(), std::runtime_error);
 }
 
-MatchSpec Simple(const std::string& journal) {
+MatchSetup Simple(const std::string& journal) {
     return ReadMatchArguments({"--player", "cmd=builtin:grabber", "--player", "cmd=builtin:random", "--games", "12",
                                "--concurrency", "1", "--journal", journal});
 }
 
 TEST(Match, ResumesFromItsJournalAsIfNeverStopped) {
     const MatchFile journal("journal");
-    const MatchSpec spec = Simple(journal.Path);
+    const MatchSetup setup = Simple(journal.Path);
     {
-        Match match(spec, Running);
+        Match match(setup, Running);
         match.Run();
         EXPECT_TRUE(match.IsOver());
-        EXPECT_THROW(Match(spec, Running), std::runtime_error); // in use
+        EXPECT_THROW(Match(setup, Running), std::runtime_error); // in use
     }
     const std::string whole = ReadFile(journal.Path);
     const std::size_t games = whole.find("\n1.1") + 1;
@@ -169,35 +169,35 @@ TEST(Match, ResumesFromItsJournalAsIfNeverStopped) {
     for (const std::size_t kept : {std::size_t{70}, games, games + 20, whole.find("\n3.2") + 1, whole.size()}) {
         fs::resize_file(journal.Path, kept);
         int played = 0;
-        Match match(spec, Running);
+        Match match(setup, Running);
         const int before = match.Standing().Games();
         match.Run([&](const Match&, const GameResult&) { ++played; });
         EXPECT_EQ(ReadFile(journal.Path), whole) << kept;
         EXPECT_EQ(played, 12 - before);
         EXPECT_EQ(match.Standing().Games(), 12);
     }
-    EXPECT_EQ(Match(spec, Running).Standing().Games(), 12);
+    EXPECT_EQ(Match(setup, Running).Standing().Games(), 12);
 
-    MatchSpec other = spec;
+    MatchSetup other = setup;
     other.Opening.Seed = 2;
     EXPECT_THROW(Match(other, Running), std::runtime_error);
     std::ofstream(journal.Path, std::ios::app) << "4.1 nonsense\n";
-    EXPECT_THROW(Match(spec, Running), std::runtime_error);
+    EXPECT_THROW(Match(setup, Running), std::runtime_error);
 }
 
 TEST(Match, TheVerdictEndsItAndAStopLeavesItOpen) {
-    MatchSpec spec = Scripted("", 40);
-    spec.Players[0].Command = "builtin:random";
-    spec.Players[1].Command = FAKE_ENGINE " crash crash"; // as White and as Black
-    spec.Test = SequentialTest{0, 200};
-    Match match(spec, Running);
+    MatchSetup setup = Scripted("", 40);
+    setup.Players[0].Command = "builtin:random";
+    setup.Players[1].Command = FAKE_ENGINE " crash crash"; // as White and as Black
+    setup.Test = SequentialTest{0, 200};
+    Match match(setup, Running);
     match.Run();
     EXPECT_EQ(match.TestVerdict(), Verdict::Accepted);
     EXPECT_LT(match.Standing().Games(), 40);
     EXPECT_TRUE(match.IsOver());
 
     const std::atomic<bool> stopped{true};
-    Match early(spec, stopped);
+    Match early(setup, stopped);
     early.Run();
     EXPECT_EQ(early.Standing().Games(), 0);
     EXPECT_FALSE(early.IsOver());
@@ -235,11 +235,11 @@ TEST(MatchArguments, AreReadOrRefused) {
     const std::vector<std::string> good = {"--player", "cmd=a",    "nodes=5",    "option.Clear Hash=x",
                                            "--player", "cmd=b -c", "movetime=9", "name=me",
                                            "--sprt",   "-1.5,5"};
-    const MatchSpec spec = ReadMatchArguments(good);
-    EXPECT_EQ(spec.Players[0].Options[0].first, "Clear Hash");
-    EXPECT_EQ(spec.Players[1].Command, "b -c");
-    EXPECT_EQ(spec.Players[1].PerMove.Value, 9);
-    EXPECT_EQ(spec.Test->Elo0, -1.5);
+    const MatchSetup setup = ReadMatchArguments(good);
+    EXPECT_EQ(setup.Players[0].Options[0].first, "Clear Hash");
+    EXPECT_EQ(setup.Players[1].Command, "b -c");
+    EXPECT_EQ(setup.Players[1].PerMove.Value, 9);
+    EXPECT_EQ(setup.Test->Elo0, -1.5);
     const std::vector<std::string> bad[] = {{"--games", "3"},     {"--games"},         {"--games", "many"},
                                             {"--sprt", "5"},      {"--sprt", "5,0"},   {"--win", "700"},
                                             {"--both", "name=x"}, {"--both", "name="}, {"--both", "nodes=0"},

@@ -81,7 +81,7 @@ TEST(Ladder, RowsSayWhetherTheGoalHolds) {
         EXPECT_TRUE(row(rung, pairs).ends_with(end)) << row(rung, pairs) << end;
 
     // Levels limited by work keep their time, the others' is divided.
-    const auto timeMs = [&](std::size_t rung) { return rungs[rung].Spec.Players[0].PerMove.Value; };
+    const auto timeMs = [&](std::size_t rung) { return rungs[rung].Setup.Players[0].PerMove.Value; };
     EXPECT_EQ(timeMs(5), 10000);
     EXPECT_EQ(timeMs(6), 10);
     EXPECT_EQ(timeMs(10), 200);

@@ -1,6 +1,6 @@
 #include "ProgramWindow.h"
 
-#include "support/MenuEye.h"
+#include "window/MenuEye.h"
 
 #include <iostream>
 #include <stdexcept>

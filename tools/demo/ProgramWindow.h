@@ -3,8 +3,8 @@
 // Every wait is for something to be seen; what does not come within a minute throws std::runtime_error.
 #pragma once
 
-#include "support/BoardEye.h"
-#include "support/VirtualDisplay.h"
+#include "window/BoardEye.h"
+#include "window/VirtualDisplay.h"
 
 #include <filesystem>
 #include <initializer_list>

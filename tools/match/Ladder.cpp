@@ -14,13 +14,13 @@ std::string PlayerName(int level) {
     return "level-" + std::to_string(level);
 }
 
-PlayerSpec LevelPlayer(int level, const LadderSpec& spec) {
+PlayerSetup LevelPlayer(int level, const LadderSetup& setup) {
     const Level& settings = Levels[level - 1];
-    PlayerSpec player;
+    PlayerSetup player;
     player.Name = PlayerName(level);
-    player.Command = spec.Command;
-    player.Options = {{"Hash", std::to_string(spec.HashMb)}, {"Skill", std::to_string(settings.Skill)}};
-    const int shortTimeMs = std::max(1, settings.Tenths * 100 / spec.TimeDivisor);
+    player.Command = setup.Command;
+    player.Options = {{"Hash", std::to_string(setup.HashMb)}, {"Skill", std::to_string(settings.Skill)}};
+    const int shortTimeMs = std::max(1, settings.Tenths * 100 / setup.TimeDivisor);
     player.PerMove = {Limit::Kind::MoveTimeMs, settings.DependsOnTime() ? shortTimeMs : GenerousMoveTimeMs};
     return player;
 }
@@ -31,16 +31,16 @@ Goal GoalOf(int level) {
     return {0, 1, true};
 }
 
-Rung MakeRung(const std::string& name, const PlayerSpec& upper, const PlayerSpec& lower, Goal goal,
-              const LadderSpec& spec) {
+Rung MakeRung(const std::string& name, const PlayerSetup& upper, const PlayerSetup& lower, Goal goal,
+              const LadderSetup& setup) {
     Rung rung;
     rung.Name = name;
-    rung.Spec.Players[0] = upper;
-    rung.Spec.Players[1] = lower;
-    rung.Spec.Games = spec.Games;
-    rung.Spec.Concurrency = spec.Concurrency;
-    rung.Spec.Opening.Seed = spec.Seed;
-    if (!spec.Folder.empty()) rung.Spec.JournalPath = spec.Folder + "/rung-" + name + ".txt";
+    rung.Setup.Players[0] = upper;
+    rung.Setup.Players[1] = lower;
+    rung.Setup.Games = setup.Games;
+    rung.Setup.Concurrency = setup.Concurrency;
+    rung.Setup.Opening.Seed = setup.Seed;
+    if (!setup.Folder.empty()) rung.Setup.JournalPath = setup.Folder + "/rung-" + name + ".txt";
     rung.Target = goal;
     return rung;
 }
@@ -61,19 +61,19 @@ std::string Goal::Text() const {
     return Percent(Low) + " to " + Percent(High);
 }
 
-std::vector<Rung> MakeRungs(const LadderSpec& spec) {
+std::vector<Rung> MakeRungs(const LadderSetup& setup) {
     std::vector<Rung> rungs;
     for (const auto& [name, goal] : {std::pair{"random", Goal{0.9, 1, false}}, {"grabber", Goal{0.2, 0.8, false}}}) {
-        PlayerSpec simple;
+        PlayerSetup simple;
         simple.Name = name;
         simple.Command = std::string("builtin:") + name;
-        rungs.push_back(MakeRung(name, LevelPlayer(1, spec), simple, goal, spec));
+        rungs.push_back(MakeRung(name, LevelPlayer(1, setup), simple, goal, setup));
     }
     for (int level = 2; level <= static_cast<int>(std::size(Levels)); ++level) {
-        const PlayerSpec lower = LevelPlayer(level - 1, spec);
-        rungs.push_back(MakeRung(std::to_string(level), LevelPlayer(level, spec), lower, GoalOf(level), spec));
+        const PlayerSetup lower = LevelPlayer(level - 1, setup);
+        rungs.push_back(MakeRung(std::to_string(level), LevelPlayer(level, setup), lower, GoalOf(level), setup));
         // A weak player's score says little about who wins.
-        rungs.back().Spec.Adjudication.Enabled = Levels[level - 2].DependsOnTime();
+        rungs.back().Setup.Adjudication.Enabled = Levels[level - 2].DependsOnTime();
     }
     return rungs;
 }
@@ -85,7 +85,7 @@ std::string TableRow(const Rung& rung, const Tally& tally) {
     std::ostringstream text;
     text.setf(std::ios::fixed);
     text.precision(1);
-    text << "| " << rung.Spec.Players[0].Name << " | " << rung.Spec.Players[1].Name << " | " << tally.Games() << " | "
+    text << "| " << rung.Setup.Players[0].Name << " | " << rung.Setup.Players[1].Name << " | " << tally.Games() << " | "
          << tally.Wins << " | " << tally.Draws << " | " << tally.Losses << " | ";
     if (tally.Games() == 0)
         text << "| | " << rung.Target.Text() << " | not played |\n";

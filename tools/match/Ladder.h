@@ -30,11 +30,11 @@ struct Goal {
 
 struct Rung {
     std::string Name; // "random" and "grabber" for level 1 against those, "2" to "10" for a level against the one below
-    MatchSpec Spec;
+    MatchSetup Setup;
     Goal Target;
 };
 
-struct LadderSpec {
+struct LadderSetup {
     std::string Command;             // the engine
     std::string Folder;              // of the journals
     std::vector<std::string> Wanted; // names of rungs to play; empty: all
@@ -46,7 +46,7 @@ struct LadderSpec {
 };
 
 /// All rungs, from the lowest up, whether they are wanted or not.
-std::vector<Rung> MakeRungs(const LadderSpec& spec);
+std::vector<Rung> MakeRungs(const LadderSetup& setup);
 
 /// One line of a Markdown table, after TableHead.
 extern const char* const TableHead;

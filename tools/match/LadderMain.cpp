@@ -33,55 +33,55 @@ std::vector<std::string> ReadList(const std::string& text) {
     return list;
 }
 
-LadderSpec ReadArguments(const std::vector<std::string>& arguments) {
-    LadderSpec spec;
+LadderSetup ReadArguments(const std::vector<std::string>& arguments) {
+    LadderSetup setup;
     Words words(arguments);
     while (!words.AtEnd()) {
         const std::string option = words.Next();
         if (option == "--engine")
-            spec.Command = words.Value(option);
+            setup.Command = words.Value(option);
         else if (option == "--journal")
-            spec.Folder = words.Value(option);
+            setup.Folder = words.Value(option);
         else if (option == "--rungs")
-            spec.Wanted = ReadList(words.Value(option));
+            setup.Wanted = ReadList(words.Value(option));
         else if (option == "--games")
-            spec.Games = words.Number(option, 2, 1000000);
+            setup.Games = words.Number(option, 2, 1000000);
         else if (option == "--time-divisor")
-            spec.TimeDivisor = words.Number(option, 1, 1000);
+            setup.TimeDivisor = words.Number(option, 1, 1000);
         else if (option == "--concurrency")
-            spec.Concurrency = words.Number(option, 1, 256);
+            setup.Concurrency = words.Number(option, 1, 256);
         else if (option == "--hash")
-            spec.HashMb = words.Number(option, 1, 1024);
+            setup.HashMb = words.Number(option, 1, 1024);
         else if (option == "--seed")
-            spec.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
+            setup.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
         else
             throw UsageError("There is no option \"" + option + "\".");
     }
-    if (spec.Command.empty()) throw UsageError("--engine is missing.");
-    if (spec.Folder.empty()) throw UsageError("--journal is missing.");
-    if (spec.Games % 2 != 0) throw UsageError("--games is an even number: games come in pairs.");
-    return spec;
+    if (setup.Command.empty()) throw UsageError("--engine is missing.");
+    if (setup.Folder.empty()) throw UsageError("--journal is missing.");
+    if (setup.Games % 2 != 0) throw UsageError("--games is an even number: games come in pairs.");
+    return setup;
 }
 
 ExitCode ClimbLadder(const std::vector<std::string>& arguments) {
-    const LadderSpec spec = ReadArguments(arguments);
-    const std::vector<Rung> rungs = MakeRungs(spec);
-    for (const std::string& name : spec.Wanted)
+    const LadderSetup setup = ReadArguments(arguments);
+    const std::vector<Rung> rungs = MakeRungs(setup);
+    for (const std::string& name : setup.Wanted)
         if (std::none_of(rungs.begin(), rungs.end(), [&](const Rung& rung) { return rung.Name == name; }))
             throw UsageError("There is no rung \"" + name + "\".");
-    std::filesystem::create_directories(spec.Folder);
+    std::filesystem::create_directories(setup.Folder);
 
     const std::atomic<bool>& stop = WatchSignals();
     std::string table = TableHead;
     bool faulty = false;
     for (const Rung& rung : rungs) {
-        const bool wanted =
-            spec.Wanted.empty() || std::find(spec.Wanted.begin(), spec.Wanted.end(), rung.Name) != spec.Wanted.end();
-        if (!wanted && !std::filesystem::exists(rung.Spec.JournalPath)) {
+        const bool wanted = setup.Wanted.empty() ||
+                            std::find(setup.Wanted.begin(), setup.Wanted.end(), rung.Name) != setup.Wanted.end();
+        if (!wanted && !std::filesystem::exists(rung.Setup.JournalPath)) {
             table += TableRow(rung, {});
             continue;
         }
-        Match match(rung.Spec, stop);
+        Match match(rung.Setup, stop);
         if (wanted && !match.IsOver()) {
             match.Run();
             std::cerr << Summary(match);

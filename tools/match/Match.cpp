@@ -1,5 +1,6 @@
 #include "Match.h"
 
+#include "quarnelchess/Mix.h"
 #include "quarnelchess/San.h"
 #include "quarnelchess/Text.h"
 
@@ -26,7 +27,7 @@ std::string Fingerprint(const std::string& command) {
     return text.str();
 }
 
-std::string Describe(const PlayerSpec& player) {
+std::string Describe(const PlayerSetup& player) {
     constexpr const char* kinds[] = {"", ", nodes=", ", movetime=", ", depth="};
     std::string text = player.Name + ": " + player.Command;
     if (player.PerMove.What != Limit::Kind::None)
@@ -36,12 +37,12 @@ std::string Describe(const PlayerSpec& player) {
 }
 
 /// What two runs must share for their games to count together; one line each.
-std::string Settings(const MatchSpec& spec) {
+std::string Settings(const MatchSetup& setup) {
     std::ostringstream text;
-    text << "first player " << Describe(spec.Players[0]) << "\nsecond player " << Describe(spec.Players[1])
-         << "\nopenings: seed " << spec.Opening.Seed << ", plies " << spec.Opening.Plies << ", balance "
-         << spec.Opening.BalanceCp << "\n";
-    const AdjudicationRules& rules = spec.Adjudication;
+    text << "first player " << Describe(setup.Players[0]) << "\nsecond player " << Describe(setup.Players[1])
+         << "\nopenings: seed " << setup.Opening.Seed << ", plies " << setup.Opening.Plies << ", balance "
+         << setup.Opening.BalanceCp << "\n";
+    const AdjudicationRules& rules = setup.Adjudication;
     if (rules.Enabled)
         text << "adjudication: win " << rules.WinCp << " cp for " << rules.WinMoves << " moves, draw " << rules.DrawCp
              << " cp for " << rules.DrawMoves << " moves after move " << rules.DrawFromMove << "\n";
@@ -72,10 +73,10 @@ std::string MoveTextPgn(const Game& game) {
 
 } // namespace
 
-Match::Match(MatchSpec spec, const std::atomic<bool>& stop)
-    : spec_(std::move(spec)), stop_(stop), names_{spec_.Players[0].Name, spec_.Players[1].Name},
-      journal_(spec_.JournalPath, spec_.JournalPath.empty() ? "" : Settings(spec_), names_),
-      played_(static_cast<std::size_t>(spec_.Games)) {
+Match::Match(MatchSetup setup, const std::atomic<bool>& stop)
+    : setup_(std::move(setup)), stop_(stop), names_{setup_.Players[0].Name, setup_.Players[1].Name},
+      journal_(setup_.JournalPath, setup_.JournalPath.empty() ? "" : Settings(setup_), names_),
+      played_(static_cast<std::size_t>(setup_.Games)) {
     for (const GameResult& result : journal_.Earlier()) {
         openings_[result.Pair] = result.Opening;
         Count(result);
@@ -84,8 +85,8 @@ Match::Match(MatchSpec spec, const std::atomic<bool>& stop)
 
 void Match::Run(const Progress& progress) {
     std::vector<std::thread> workers;
-    workers.reserve(static_cast<std::size_t>(spec_.Concurrency));
-    for (int i = 0; i < spec_.Concurrency; ++i) workers.emplace_back([this, &progress] { Work(progress); });
+    workers.reserve(static_cast<std::size_t>(setup_.Concurrency));
+    for (int i = 0; i < setup_.Concurrency; ++i) workers.emplace_back([this, &progress] { Work(progress); });
     for (std::thread& worker : workers) worker.join();
     if (failure_) std::rethrow_exception(failure_);
 }
@@ -94,9 +95,9 @@ void Match::Work(const Progress& progress) {
     try {
         std::optional<int> pair = NextPair();
         if (!pair) return;
-        Openings openings(spec_.Opening);
-        const std::unique_ptr<Player> first = MakePlayer(spec_.Players[0], stop_);
-        const std::unique_ptr<Player> second = MakePlayer(spec_.Players[1], stop_);
+        Openings openings(setup_.Opening);
+        const std::unique_ptr<Player> first = MakePlayer(setup_.Players[0], stop_);
+        const std::unique_ptr<Player> second = MakePlayer(setup_.Players[1], stop_);
         for (; pair; pair = NextPair()) PlayPair(*pair, openings, *first, *second, progress);
     } catch (const Interrupted&) {
         return; // the journal holds what is finished
@@ -109,8 +110,8 @@ void Match::Work(const Progress& progress) {
 std::optional<int> Match::NextPair() {
     const std::lock_guard lock(mutex_);
     if (failure_ || verdict_ != Verdict::Undecided || stop_.load(std::memory_order_relaxed)) return std::nullopt;
-    while (2 * nextPair_ < spec_.Games && IsPlayed(nextPair_, 0) && IsPlayed(nextPair_, 1)) ++nextPair_;
-    if (2 * nextPair_ >= spec_.Games) return std::nullopt;
+    while (2 * nextPair_ < setup_.Games && IsPlayed(nextPair_, 0) && IsPlayed(nextPair_, 1)) ++nextPair_;
+    if (2 * nextPair_ >= setup_.Games) return std::nullopt;
     return nextPair_++;
 }
 
@@ -123,14 +124,14 @@ void Match::PlayPair(int pair, Openings& openings, Player& first, Player& second
         }
         Game game = opening;
         std::string faultText;
-        const std::uint64_t seed = Scramble(Scramble(spec_.Opening.Seed + 1) + GameIndex(pair, leg));
-        const Outcome outcome = PlayGame(leg == 0 ? first : second, leg == 0 ? second : first, spec_.Adjudication, seed,
-                                         stop_, game, faultText);
+        const std::uint64_t seed = engine::Mix(engine::Mix(setup_.Opening.Seed + 1) + GameIndex(pair, leg));
+        const Outcome outcome = PlayGame(leg == 0 ? first : second, leg == 0 ? second : first, setup_.Adjudication,
+                                         seed, stop_, game, faultText);
         const int points = leg == 0 ? outcome.WhiteHalfPoints : 2 - outcome.WhiteHalfPoints;
         const GameResult result{pair, leg, points, outcome.How, game.Plies(), opening.MovesText()};
 
         const std::lock_guard lock(mutex_);
-        if (!spec_.PgnPath.empty()) WritePgn(result, game, faultText);
+        if (!setup_.PgnPath.empty()) WritePgn(result, game, faultText);
         journal_.Append(result);
         Count(result);
         if (progress) progress(*this, result);
@@ -156,12 +157,12 @@ void Match::Count(const GameResult& result) {
     if (played_[index]) return;
     played_[index] = true;
     const bool completesPair = tally_.Add(result);
-    if (spec_.Test && completesPair && verdict_ == Verdict::Undecided)
-        verdict_ = JudgeRatio(LogLikelihoodRatio(tally_.Pairs, spec_.Test->Elo0, spec_.Test->Elo1));
+    if (setup_.Test && completesPair && verdict_ == Verdict::Undecided)
+        verdict_ = JudgeRatio(LogLikelihoodRatio(tally_.Pairs, setup_.Test->Elo0, setup_.Test->Elo1));
 }
 
 void Match::WritePgn(const GameResult& result, const Game& game, const std::string& faultText) const {
-    std::ofstream file(spec_.PgnPath, std::ios::app);
+    std::ofstream file(setup_.PgnPath, std::ios::app);
     const char* const score = ResultText(result.WhiteHalfPoints());
     file << "[Event \"" << names_[0] << " - " << names_[1] << "\"]\n[Round \"" << result.Pair + 1 << '.'
          << result.Leg + 1 << "\"]\n[White \"" << names_[result.Leg] << "\"]\n[Black \"" << names_[1 - result.Leg]
@@ -169,17 +170,17 @@ void Match::WritePgn(const GameResult& result, const Game& game, const std::stri
          << MoveTextPgn(game);
     if (!faultText.empty()) file << "{" << faultText << "} ";
     file << score << "\n\n";
-    if (!file.flush()) throw std::runtime_error("The games file " + spec_.PgnPath + " cannot be written.");
+    if (!file.flush()) throw std::runtime_error("The games file " + setup_.PgnPath + " cannot be written.");
 }
 
 std::string Summary(const Match& match) {
-    const MatchSpec& spec = match.Spec();
+    const MatchSetup& setup = match.Setup();
     const Tally& tally = match.Standing();
     const ScoreEstimate score = EstimateScore(tally.Pairs);
     std::ostringstream text;
     text.setf(std::ios::fixed);
     text.precision(1);
-    text << spec.Players[0].Name << " - " << spec.Players[1].Name << ": " << tally.Wins << " wins, " << tally.Draws
+    text << setup.Players[0].Name << " - " << setup.Players[1].Name << ": " << tally.Wins << " wins, " << tally.Draws
          << " draws, " << tally.Losses << " losses in " << tally.Games() << " games\n";
     text << "score " << 100 * score.Score << " % (95 %: " << 100 * score.Low << " to " << 100 * score.High << "), Elo "
          << EloFromScore(score.Score) << " (" << EloFromScore(score.Low) << " to " << EloFromScore(score.High) << ")\n";
@@ -188,13 +189,13 @@ std::string Summary(const Match& match) {
     text << "\nendings:";
     for (std::size_t i = 0; i < std::size(tally.Endings); ++i)
         if (tally.Endings[i] != 0) text << ' ' << NameOf(static_cast<Ending>(i)) << ' ' << tally.Endings[i];
-    text << "\nfaults: " << spec.Players[0].Name << ' ' << tally.Faults[0] << ", " << spec.Players[1].Name << ' '
+    text << "\nfaults: " << setup.Players[0].Name << ' ' << tally.Faults[0] << ", " << setup.Players[1].Name << ' '
          << tally.Faults[1] << "\n";
-    if (spec.Test) {
+    if (setup.Test) {
         constexpr const char* verdicts[] = {"undecided", "accepted", "rejected"};
         text.precision(2);
-        text << "sequential test of Elo " << spec.Test->Elo1 << " against " << spec.Test->Elo0
-             << ": log-likelihood ratio " << LogLikelihoodRatio(tally.Pairs, spec.Test->Elo0, spec.Test->Elo1)
+        text << "sequential test of Elo " << setup.Test->Elo1 << " against " << setup.Test->Elo0
+             << ": log-likelihood ratio " << LogLikelihoodRatio(tally.Pairs, setup.Test->Elo0, setup.Test->Elo1)
              << " (2.94 accepts, -2.94 rejects), " << verdicts[static_cast<std::size_t>(match.TestVerdict())] << "\n";
     }
     return text.str();

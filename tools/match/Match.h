@@ -19,8 +19,8 @@ struct SequentialTest {
     double Elo1 = 5;
 };
 
-struct MatchSpec {
-    PlayerSpec Players[2];
+struct MatchSetup {
+    PlayerSetup Players[2];
     int Games = 200; // at most; even
     int Concurrency = 2;
     OpeningRules Opening;
@@ -36,17 +36,17 @@ class Match {
     using Progress = std::function<void(const Match&, const GameResult&)>;
 
     /// Opens the journal. Throws std::runtime_error. `stop` must outlive the match.
-    Match(MatchSpec spec, const std::atomic<bool>& stop);
+    Match(MatchSetup setup, const std::atomic<bool>& stop);
 
     /// Plays what the journal lacks. Returns early when `stop` is raised; the games under way are lost
     /// then. Throws std::runtime_error when a player cannot be started or a file not be written.
     void Run(const Progress& progress = {});
 
-    const MatchSpec& Spec() const { return spec_; }
+    const MatchSetup& Setup() const { return setup_; }
     const Tally& Standing() const { return tally_; }
     /// Of the sequential test, Undecided without one. A verdict once reached stays.
     Verdict TestVerdict() const { return verdict_; }
-    bool IsOver() const { return verdict_ != Verdict::Undecided || tally_.Games() >= spec_.Games; }
+    bool IsOver() const { return verdict_ != Verdict::Undecided || tally_.Games() >= setup_.Games; }
 
   private:
     void Work(const Progress& progress);
@@ -60,7 +60,7 @@ class Match {
     void Count(const GameResult& result);
     void WritePgn(const GameResult& result, const Game& game, const std::string& faultText) const;
 
-    const MatchSpec spec_;
+    const MatchSetup setup_;
     const std::atomic<bool>& stop_;
     const std::string names_[2];
     Journal journal_;

@@ -11,8 +11,8 @@ void ReportProgress(const Match& match, const GameResult& result) {
     const Tally& tally = match.Standing();
     if (IsFault(result.How))
         std::cerr << "game " << result.Pair + 1 << '.' << result.Leg + 1 << ": "
-                  << match.Spec().Players[result.FirstHalfPoints == 0 ? 0 : 1].Name << " lost by " << NameOf(result.How)
-                  << "\n";
+                  << match.Setup().Players[result.FirstHalfPoints == 0 ? 0 : 1].Name << " lost by "
+                  << NameOf(result.How) << "\n";
     if (tally.Games() % 20 == 0)
         std::cerr << tally.Games() << " games: +" << tally.Wins << " =" << tally.Draws << " -" << tally.Losses << "\n";
 }
@@ -22,8 +22,8 @@ ExitCode PlayMatch(const std::vector<std::string>& arguments) {
     match.Run(ReportProgress);
     std::cout << Summary(match);
     if (match.IsOver()) return Done;
-    std::cout << "stopped; the same command goes on" << (match.Spec().JournalPath.empty() ? " with a journal only" : "")
-              << "\n";
+    std::cout << "stopped; the same command goes on"
+              << (match.Setup().JournalPath.empty() ? " with a journal only" : "") << "\n";
     return Stopped;
 }
 

@@ -1,5 +1,7 @@
 #include "Openings.h"
 
+#include "quarnelchess/Mix.h"
+
 #include <cstdlib>
 #include <random>
 
@@ -19,21 +21,13 @@ Game RandomGame(std::mt19937_64& random, int plies) {
 
 } // namespace
 
-// The steps of a splittable generator by Steele, Lea and Flood (2014).
-std::uint64_t Scramble(std::uint64_t value) {
-    value += 0x9E3779B97F4A7C15ULL;
-    value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9ULL;
-    value = (value ^ (value >> 27)) * 0x94D049BB133111EBULL;
-    return value ^ (value >> 31);
-}
-
 Openings::Openings(const OpeningRules& rules) : rules_(rules), search_(clock_) {
     search_.SetHash(1);
 }
 
 Game Openings::Opening(int index) {
     if (rules_.Plies == 0) return {};
-    std::mt19937_64 random(Scramble(Scramble(rules_.Seed) + static_cast<std::uint64_t>(index)));
+    std::mt19937_64 random(engine::Mix(engine::Mix(rules_.Seed) + static_cast<std::uint64_t>(index)));
     for (;;) {
         Game game = RandomGame(random, rules_.Plies);
         if (!game.EndByRules() && IsBalanced(game)) return game;

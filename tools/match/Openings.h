@@ -10,9 +10,6 @@
 
 namespace quarnel::match {
 
-/// Spreads `value` over 64 bits; a sequence 1, 2, 3 ... gives unrelated numbers.
-std::uint64_t Scramble(std::uint64_t value);
-
 struct OpeningRules {
     std::uint64_t Seed = 1;
     int Plies = 8; // 0: always the start position

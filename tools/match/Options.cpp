@@ -19,7 +19,7 @@ void RequestStop(int signal) {
 }
 
 /// One "key=value" of a player.
-void ReadPlayerWord(const std::string& word, PlayerSpec& player) {
+void ReadPlayerWord(const std::string& word, PlayerSetup& player) {
     const std::size_t equals = word.find('=');
     if (equals == std::string::npos)
         throw UsageError("\"" + word +
@@ -70,15 +70,15 @@ bool IsOneWord(const std::string& name) {
     return !name.empty() && std::none_of(name.begin(), name.end(), [](char c) { return c <= ' ' || c == '"'; });
 }
 
-void CheckPlayers(const MatchSpec& spec) {
-    for (const PlayerSpec& player : spec.Players) {
+void CheckPlayers(const MatchSetup& setup) {
+    for (const PlayerSetup& player : setup.Players) {
         if (player.Command.empty()) throw UsageError("Player \"" + player.Name + "\" has no cmd=.");
         if (!IsOneWord(player.Name)) throw UsageError("A player's name is one word, not \"" + player.Name + "\".");
         if (!player.IsBuiltin() && player.PerMove.What == Limit::Kind::None)
             throw UsageError("Player \"" + player.Name + "\" needs a limit: nodes=, movetime= or depth=.");
     }
-    if (spec.Players[0].Name == spec.Players[1].Name)
-        throw UsageError("Both players are called \"" + spec.Players[0].Name + "\".");
+    if (setup.Players[0].Name == setup.Players[1].Name)
+        throw UsageError("Both players are called \"" + setup.Players[0].Name + "\".");
 }
 
 } // namespace
@@ -127,60 +127,60 @@ int ReadInteger(const std::string& option, const std::string& text, int lowest, 
     return *value;
 }
 
-MatchSpec ReadMatchArguments(const std::vector<std::string>& arguments) {
-    MatchSpec spec;
-    spec.Players[0].Name = "first";
-    spec.Players[1].Name = "second";
+MatchSetup ReadMatchArguments(const std::vector<std::string>& arguments) {
+    MatchSetup setup;
+    setup.Players[0].Name = "first";
+    setup.Players[1].Name = "second";
     int players = 0;
     Words words(arguments);
     while (!words.AtEnd()) {
         const std::string option = words.Next();
         if (option == "--player") {
             if (players == 2) throw UsageError("A match has two players, not three.");
-            PlayerSpec& player = spec.Players[players++];
+            PlayerSetup& player = setup.Players[players++];
             while (!words.AtEnd() && !words.AtOption()) ReadPlayerWord(words.Next(), player);
         } else if (option == "--both") {
             while (!words.AtEnd() && !words.AtOption()) {
                 const std::string word = words.Next();
-                for (PlayerSpec& player : spec.Players) ReadPlayerWord(word, player);
+                for (PlayerSetup& player : setup.Players) ReadPlayerWord(word, player);
             }
         } else if (option == "--games") {
-            spec.Games = words.Number(option, 2, 1000000);
-            if (spec.Games % 2 != 0) throw UsageError("--games is an even number: games come in pairs.");
+            setup.Games = words.Number(option, 2, 1000000);
+            if (setup.Games % 2 != 0) throw UsageError("--games is an even number: games come in pairs.");
         } else if (option == "--concurrency") {
-            spec.Concurrency = words.Number(option, 1, 256);
+            setup.Concurrency = words.Number(option, 1, 256);
         } else if (option == "--seed") {
-            spec.Opening.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
+            setup.Opening.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
         } else if (option == "--opening-plies") {
-            spec.Opening.Plies = words.Number(option, 0, 40);
+            setup.Opening.Plies = words.Number(option, 0, 40);
         } else if (option == "--opening-balance") {
-            spec.Opening.BalanceCp = words.Number(option, 20, 30000);
+            setup.Opening.BalanceCp = words.Number(option, 20, 30000);
         } else if (option == "--sprt") {
-            spec.Test = ReadTest(words.Value(option));
+            setup.Test = ReadTest(words.Value(option));
         } else if (option == "--no-adjudication") {
-            spec.Adjudication.Enabled = false;
+            setup.Adjudication.Enabled = false;
         } else if (option == "--win") {
-            ReadPair(option, words.Value(option), spec.Adjudication.WinCp, spec.Adjudication.WinMoves);
+            ReadPair(option, words.Value(option), setup.Adjudication.WinCp, setup.Adjudication.WinMoves);
         } else if (option == "--draw") {
-            ReadPair(option, words.Value(option), spec.Adjudication.DrawCp, spec.Adjudication.DrawMoves);
+            ReadPair(option, words.Value(option), setup.Adjudication.DrawCp, setup.Adjudication.DrawMoves);
         } else if (option == "--draw-from") {
-            spec.Adjudication.DrawFromMove = words.Number(option, 0, 1000);
+            setup.Adjudication.DrawFromMove = words.Number(option, 0, 1000);
         } else if (option == "--max-plies") {
-            spec.Adjudication.MaxPlies = words.Number(option, 1, 10000);
+            setup.Adjudication.MaxPlies = words.Number(option, 1, 10000);
         } else if (option == "--timeout") {
             const int timeoutMs = words.Number(option, 1, 100000000);
-            for (PlayerSpec& player : spec.Players) player.TimeoutMs = timeoutMs;
+            for (PlayerSetup& player : setup.Players) player.TimeoutMs = timeoutMs;
         } else if (option == "--journal") {
-            spec.JournalPath = words.Value(option);
+            setup.JournalPath = words.Value(option);
         } else if (option == "--pgn") {
-            spec.PgnPath = words.Value(option);
+            setup.PgnPath = words.Value(option);
         } else {
             throw UsageError("There is no option \"" + option + "\".");
         }
     }
     if (players != 2) throw UsageError("A match needs two --player.");
-    CheckPlayers(spec);
-    return spec;
+    CheckPlayers(setup);
+    return setup;
 }
 
 const std::atomic<bool>& WatchSignals() {

@@ -35,7 +35,7 @@ class Words {
 int ReadInteger(const std::string& option, const std::string& text, int lowest, int highest);
 
 /// The arguments of quarnel-match, without the program's name. Throws UsageError.
-MatchSpec ReadMatchArguments(const std::vector<std::string>& arguments);
+MatchSetup ReadMatchArguments(const std::vector<std::string>& arguments);
 extern const char* const MatchUsage;
 
 /// Raised by SIGINT and SIGTERM once the function was called; a second signal ends the program at once.

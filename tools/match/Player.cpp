@@ -9,55 +9,49 @@ namespace {
 
 using engine::MoveBuffer;
 
-/// Any legal move, all alike.
-class RandomMover final : public Player {
-  public:
-    void NewGame(std::uint64_t seed) override { random_.seed(seed); }
-    Answer Choose(const Game& game) override {
-        MoveBuffer moves;
-        engine::GenerateMoves(game.Position(), moves);
-        return {MoveText(moves[random_() % moves.Size()]), std::nullopt};
-    }
+/// Kinds are numbered from the pawn to the queen by their worth.
+int Prey(const Board& board, Move move) {
+    if (!board.IsCapture(move)) return 0;
+    return move.Kind() == engine::MoveKind::EnPassant ? 1 : 1 + engine::KindOf(board.At(move.To()));
+}
 
-  private:
-    std::mt19937_64 random_;
-};
+int AllAlike(const Board&, Move) {
+    return 0;
+}
 
-/// Takes the most valuable piece in sight, anything at all when there is none.
-class Grabber final : public Player {
+/// Plays any of the moves that his judgement likes best.
+class SimplePlayer final : public Player {
   public:
+    using Judgement = int (*)(const Board&, Move);
+
+    explicit SimplePlayer(Judgement judge) : judge_(judge) {}
     void NewGame(std::uint64_t seed) override { random_.seed(seed); }
     Answer Choose(const Game& game) override {
         MoveBuffer moves;
         engine::GenerateMoves(game.Position(), moves);
         std::vector<Move> best;
-        int bestPrey = 0;
+        int bestValue = 0;
         for (const Move move : moves) {
-            const int prey = Prey(game.Position(), move);
-            if (prey > bestPrey) best.clear();
-            if (prey >= bestPrey) best.push_back(move);
-            bestPrey = std::max(bestPrey, prey);
+            const int value = judge_(game.Position(), move);
+            if (value > bestValue) best.clear();
+            if (value >= bestValue) best.push_back(move);
+            bestValue = std::max(bestValue, value);
         }
         return {MoveText(best[random_() % best.size()]), std::nullopt};
     }
 
   private:
-    /// Kinds are numbered from the pawn to the queen by their worth.
-    static int Prey(const Board& board, Move move) {
-        if (!board.IsCapture(move)) return 0;
-        return move.Kind() == engine::MoveKind::EnPassant ? 1 : 1 + engine::KindOf(board.At(move.To()));
-    }
-
+    Judgement judge_;
     std::mt19937_64 random_;
 };
 
 } // namespace
 
-std::unique_ptr<Player> MakePlayer(const PlayerSpec& spec, const std::atomic<bool>& stop) {
-    if (spec.Command == "builtin:random") return std::make_unique<RandomMover>();
-    if (spec.Command == "builtin:grabber") return std::make_unique<Grabber>();
-    if (spec.IsBuiltin()) throw std::runtime_error("There is no player \"" + spec.Command + "\".");
-    return std::make_unique<UciPlayer>(spec, stop);
+std::unique_ptr<Player> MakePlayer(const PlayerSetup& setup, const std::atomic<bool>& stop) {
+    if (setup.Command == "builtin:random") return std::make_unique<SimplePlayer>(AllAlike);
+    if (setup.Command == "builtin:grabber") return std::make_unique<SimplePlayer>(Prey);
+    if (setup.IsBuiltin()) throw std::runtime_error("There is no player \"" + setup.Command + "\".");
+    return std::make_unique<UciPlayer>(setup, stop);
 }
 
 } // namespace quarnel::match

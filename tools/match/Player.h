@@ -21,7 +21,7 @@ struct Limit {
     int Value = 0;
 };
 
-struct PlayerSpec {
+struct PlayerSetup {
     std::string Name;    // no blanks
     std::string Command; // for the shell; "builtin:random" and "builtin:grabber" are our own
     std::vector<std::pair<std::string, std::string>> Options;
@@ -58,6 +58,6 @@ class Player {
 };
 
 /// Nothing is started before the first game. `stop` must outlive the player.
-std::unique_ptr<Player> MakePlayer(const PlayerSpec& spec, const std::atomic<bool>& stop);
+std::unique_ptr<Player> MakePlayer(const PlayerSetup& setup, const std::atomic<bool>& stop);
 
 } // namespace quarnel::match

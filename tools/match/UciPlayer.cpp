@@ -64,7 +64,7 @@ Answer UciPlayer::Choose(const Game& game) {
     if (game.Plies() > 0) request += " moves" + game.MovesText();
     Send(request + "\n" + GoCommand() + "\n");
     Answer answer;
-    const Process::TimePoint deadline = In(std::chrono::milliseconds(spec_.TimeoutMs));
+    const Process::TimePoint deadline = In(std::chrono::milliseconds(setup_.TimeoutMs));
     for (;;) {
         const std::string line = Read(deadline);
         if (const std::optional<int> score = ReadScore(line)) answer.ScoreCp = score;
@@ -76,8 +76,8 @@ Answer UciPlayer::Choose(const Game& game) {
 }
 
 std::string UciPlayer::GoCommand() const {
-    const std::string value = std::to_string(spec_.PerMove.Value);
-    switch (spec_.PerMove.What) {
+    const std::string value = std::to_string(setup_.PerMove.Value);
+    switch (setup_.PerMove.What) {
     case Limit::Kind::Nodes:
         return "go nodes " + value;
     case Limit::Kind::MoveTimeMs:
@@ -88,7 +88,7 @@ std::string UciPlayer::GoCommand() const {
 }
 
 void UciPlayer::Start() {
-    process_ = std::make_unique<Process>(spec_.Command, stop_);
+    process_ = std::make_unique<Process>(setup_.Command, stop_);
     try {
         std::vector<std::string> known;
         Send("uci\n");
@@ -99,7 +99,7 @@ void UciPlayer::Start() {
         AwaitReady();
     } catch (const Fault& fault) {
         process_.reset();
-        throw std::runtime_error("Player \"" + spec_.Name + "\" cannot be set up: " + fault.what());
+        throw std::runtime_error("Player \"" + setup_.Name + "\" cannot be set up: " + fault.what());
     }
 }
 
@@ -108,9 +108,9 @@ void UciPlayer::SendOptions(const std::vector<std::string>& known) {
         return std::any_of(names.begin(), names.end(), [name](const auto& other) { return SameName(name, other); });
     };
     std::vector<std::string> set;
-    for (const auto& [name, value] : spec_.Options) {
+    for (const auto& [name, value] : setup_.Options) {
         if (!has(known, name))
-            throw std::runtime_error("Player \"" + spec_.Name + "\" has no option \"" + name + "\".");
+            throw std::runtime_error("Player \"" + setup_.Name + "\" has no option \"" + name + "\".");
         set.push_back(name);
         std::string command = "setoption name ";
         Send(command.append(name).append(" value ").append(value).append("\n"));

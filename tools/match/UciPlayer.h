@@ -10,7 +10,7 @@ namespace quarnel::match {
 
 class UciPlayer final : public Player {
   public:
-    UciPlayer(PlayerSpec spec, const std::atomic<bool>& stop) : spec_(std::move(spec)), stop_(stop) {}
+    UciPlayer(PlayerSetup setup, const std::atomic<bool>& stop) : setup_(std::move(setup)), stop_(stop) {}
 
     void NewGame(std::uint64_t seed) override;
     Answer Choose(const Game& game) override;
@@ -24,7 +24,7 @@ class UciPlayer final : public Player {
     void AwaitReady();
     std::string GoCommand() const;
 
-    const PlayerSpec spec_;
+    const PlayerSetup setup_;
     const std::atomic<bool>& stop_;
     std::unique_ptr<Process> process_;
     bool takesSeed_ = false; // announces an option Seed that the match does not set

@@ -1,5 +1,6 @@
 #include "Prover.h"
 
+#include "quarnelchess/Mix.h"
 #include "quarnelchess/MoveGen.h"
 
 #include <algorithm>
@@ -15,11 +16,6 @@ constexpr std::size_t MemorySize = 1 << 20; // a power of two
 constexpr int MostLaterMoves = 8;
 constexpr int MostQuietMoves = 1;     // of these, evasions apart
 constexpr int FirstSettledStage = 16; // more than any claim has moves
-
-Key Scramble(Key key) {
-    key = (key ^ (key >> 31)) * 0x9E3779B97F4A7C15ULL;
-    return key ^ (key >> 29);
-}
 
 /// Adds captures and promotions to an empty list: the most valuable victims first, of their captors the least.
 void NoisyMoves(const Board& board, MoveBuffer& moves) {
@@ -90,7 +86,7 @@ template <class SearchNode>
 bool Prover::Remember(const Board& board, int stage, const SearchNode& search) {
     // What was found out holds for every question with the same goal.
     const Key goal = mateOnly_ ? 1 : static_cast<Key>(neededCp_ + 100000);
-    const Key key = board.PositionKey() ^ Scramble(goal * 64 + static_cast<Key>(stage));
+    const Key key = board.PositionKey() ^ Mix(goal * 64 + static_cast<Key>(stage));
     Remembered& slot = memory_[key & (MemorySize - 1)];
     if (slot.Key == key) return slot.Proved;
     const bool proved = search();

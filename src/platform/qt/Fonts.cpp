@@ -42,7 +42,7 @@ QString WithLineFeeds(const Text& text) {
 
 } // namespace
 
-QFont FontFor(const FontSpec& wanted, double scale) {
+QFont FontFor(const FontChoice& wanted, double scale) {
     QFont font;
     font.setFamilies(FamiliesOf(wanted.Name));
     font.setPointSizeF(wanted.Points * scale);
@@ -58,7 +58,7 @@ void SetDotsPerInch(QImage& image) {
     image.setDotsPerMeterY(DotsPerMetre);
 }
 
-Size MeasuredSize(const Text& text, const FontSpec& font, int wrapWidth) {
+Size MeasuredSize(const Text& text, const FontChoice& font, int wrapWidth) {
     QImage device(1, 1, QImage::Format_RGB32);
     SetDotsPerInch(device);
     const QFontMetricsF metrics(FontFor(font, 1), &device);

@@ -13,7 +13,7 @@
 namespace quarnel {
 
 /// The font for `wanted`, `scale` times as large; for painting on images that SetDotsPerInch() was called for.
-QFont FontFor(const FontSpec& wanted, double scale);
+QFont FontFor(const FontChoice& wanted, double scale);
 
 /// Lets the dots of `image` count 96 to the inch.
 void SetDotsPerInch(QImage& image);
@@ -25,7 +25,7 @@ struct TextStyle {
 };
 
 /// The size of `text` when its lines wrap at `wrapWidth` (not at all when 0), blanks at their ends included.
-Size MeasuredSize(const Text& text, const FontSpec& font, int wrapWidth);
+Size MeasuredSize(const Text& text, const FontChoice& font, int wrapWidth);
 
 /// Draws `text` into `box` from the top, cut off at its edges, in the painter's pen colour.
 void DrawTextBox(QPainter& painter, const QRectF& box, const Text& text, const QFont& font, const TextStyle& style);

@@ -63,8 +63,8 @@ class QtDesktop : public Desktop, private FormObserver {
     Size InnerSize(Form& form) override;
     Size OuterSize(Form& form) override;
     void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width, int height) override;
-    Size MeasureText(const Text& text, const FontSpec& font, int wrapWidth) override;
-    void DrawText(Surface& target, int x, int y, const Text& text, const FontSpec& font, Colour colour) override;
+    Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) override;
+    void DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) override;
     std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) override;
     std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) override;
     void Beep() override;
@@ -251,11 +251,11 @@ void QtDesktop::Present(Form& form, const Surface& frame, int sourceWidth, int s
     if (FormWindow* window = WindowOf(form)) window->Canvas().Present(frame, sourceWidth, sourceHeight, width, height);
 }
 
-Size QtDesktop::MeasureText(const Text& text, const FontSpec& font, int wrapWidth) {
+Size QtDesktop::MeasureText(const Text& text, const FontChoice& font, int wrapWidth) {
     return MeasuredSize(text, font, wrapWidth);
 }
 
-void QtDesktop::DrawText(Surface& target, int x, int y, const Text& text, const FontSpec& font, Colour colour) {
+void QtDesktop::DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) {
     if (target.Empty()) return;
     QImage image(reinterpret_cast<uchar*>(target.Pixels()), target.Width(), target.Height(), target.Width() * 4,
                  QImage::Format_RGB32);

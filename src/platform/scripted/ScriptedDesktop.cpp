@@ -13,7 +13,7 @@ namespace {
 constexpr double TwipsPerPixel = 15;
 
 // Every character is as wide as half its height, which is enough to lay things out.
-Size CharacterSize(const FontSpec& font) {
+Size CharacterSize(const FontChoice& font) {
     const int height = RoundHalfEven(font.Points * 96 / 72);
     return {std::max(1, height / 2), std::max(1, height)};
 }
@@ -187,7 +187,7 @@ void ScriptedDesktop::Present(Form& form, const Surface& frame, int sourceWidth,
     Note("present " + std::to_string(width) + "x" + std::to_string(height));
 }
 
-Size ScriptedDesktop::MeasureText(const Text& text, const FontSpec& font, int wrapWidth) {
+Size ScriptedDesktop::MeasureText(const Text& text, const FontChoice& font, int wrapWidth) {
     const Size one = CharacterSize(font);
     Size size{0, one.Height};
     int column = 0;
@@ -203,7 +203,7 @@ Size ScriptedDesktop::MeasureText(const Text& text, const FontSpec& font, int wr
     return size;
 }
 
-void ScriptedDesktop::DrawText(Surface& target, int x, int y, const Text& text, const FontSpec& font, Colour colour) {
+void ScriptedDesktop::DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) {
     const Size one = CharacterSize(font);
     for (std::size_t i = 0; i < text.size(); ++i) {
         // The box is as tall as the character's code says, so that different texts look different.

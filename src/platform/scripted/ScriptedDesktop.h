@@ -78,8 +78,8 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     Size InnerSize(Form& form) override;
     Size OuterSize(Form& form) override;
     void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width, int height) override;
-    Size MeasureText(const Text& text, const FontSpec& font, int wrapWidth) override;
-    void DrawText(Surface& target, int x, int y, const Text& text, const FontSpec& font, Colour colour) override;
+    Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) override;
+    void DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) override;
     std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) override;
     std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) override;
     void Beep() override;

@@ -1,6 +1,6 @@
-#include "support/VirtualDisplay.h"
+#include "window/VirtualDisplay.h"
 
-#include "support/WindowDriver.h"
+#include "window/WindowDriver.h"
 
 #include <algorithm>
 #include <cstdio>

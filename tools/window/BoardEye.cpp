@@ -1,4 +1,4 @@
-#include "support/BoardEye.h"
+#include "window/BoardEye.h"
 
 #include "base/Numbers.h"
 

@@ -1,4 +1,4 @@
-#include "support/WindowDriver.h"
+#include "window/WindowDriver.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>

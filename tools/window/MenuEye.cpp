@@ -1,4 +1,4 @@
-#include "support/MenuEye.h"
+#include "window/MenuEye.h"
 
 #include <algorithm>
 #include <functional>

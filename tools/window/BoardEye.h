@@ -7,7 +7,7 @@
 
 #include "display/BoardPictures.h"
 #include "model/Position.h"
-#include "support/WindowDriver.h"
+#include "window/WindowDriver.h"
 
 #include <map>
 
