@@ -3,15 +3,20 @@
 //   bench-engine                              everything but the billion-node counts, under a minute
 //   bench-engine --benchmark_filter=Perft     legal move counting only; a wrong count is an error
 //   bench-engine --deep                       the well-known counts up to billions of leaves as well
-#include "quarnelchess/Fen.h"
-#include "quarnelchess/MoveGen.h"
-#include "quarnelchess/Records.h"
-#include "quarnelchess/Search.h"
+//   bench-engine --signature [DEPTH...]       only the nodes of a fixed set of searches, for quarnelchess/signature.txt
+#include "Signature.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/board/MoveGen.h"
+#include "quarnelchess/records/Records.h"
+#include "quarnelchess/search/Search.h"
 #include "tests/quarnelchess/NaiveRules.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <vector>
 
 using namespace quarnel::engine;
 
@@ -103,9 +108,24 @@ void Register(bool deep) {
     benchmark::RegisterBenchmark("Search", SearchNodes)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
+/// A line for each depth, as they stand in quarnelchess/signature.txt.
+int PrintSignature(std::vector<int> depths) {
+    if (depths.empty()) depths = {8, 13};
+    for (const int depth : depths) {
+        if (depth < 1) return std::fputs("bench-engine: a depth is a number from 1 on\n", stderr), 2;
+        std::printf("depth %d nodes %llu\n", depth, static_cast<unsigned long long>(SignatureNodes(depth)));
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && std::strcmp(argv[1], "--signature") == 0) {
+        std::vector<int> depths;
+        for (int i = 2; i < argc; ++i) depths.push_back(std::atoi(argv[i]));
+        return PrintSignature(depths);
+    }
     bool deep = false;
     int kept = 1;
     for (int i = 1; i < argc; ++i) {

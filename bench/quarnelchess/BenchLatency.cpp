@@ -2,7 +2,7 @@
 // move line, and how long the program's thread is kept between two callbacks while a search runs.
 //
 //   bench-latency [moves] [tenths of a second a move]        30 moves of 0.5 s by default, about 25 s
-#include "quarnelchess/Session.h"
+#include "quarnelchess/library/Session.h"
 
 #include <algorithm>
 #include <chrono>

@@ -5,8 +5,8 @@
 //
 // The naive rules play along from the start of a game, so that castling rights and en passant are their own.
 // Prints how many positions agreed and each that did not; fails when there is one.
-#include "quarnelchess/Fen.h"
-#include "quarnelchess/MoveGen.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/board/MoveGen.h"
 #include "tests/quarnelchess/NaiveRules.h"
 #include "tools/tune/SelfPlay.h"
 

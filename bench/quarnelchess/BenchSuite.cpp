@@ -5,8 +5,8 @@
 //
 // The open half names what stays unsolved. Of the hidden half only the sum is told, so that nobody can mend
 // the engine for one of its positions.
-#include "quarnelchess/San.h"
-#include "quarnelchess/Search.h"
+#include "quarnelchess/records/San.h"
+#include "quarnelchess/search/Search.h"
 #include "tools/suite/Problem.h"
 
 #include <cstdio>

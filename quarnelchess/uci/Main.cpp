@@ -1,5 +1,5 @@
 // quarnel-uci: the engine as a program of its own, for chess interfaces, matches and scripts.
-#include "Uci.h"
+#include "quarnelchess/uci/Uci.h"
 
 #include <iostream>
 #include <string>

@@ -1,8 +1,8 @@
-#include "Uci.h"
+#include "quarnelchess/uci/Uci.h"
 
-#include "quarnelchess/Fen.h"
-#include "quarnelchess/MoveGen.h"
-#include "quarnelchess/Text.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/board/MoveGen.h"
+#include "quarnelchess/board/Text.h"
 
 #include <algorithm>
 #include <cctype>

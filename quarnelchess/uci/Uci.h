@@ -5,9 +5,9 @@
 // A command that needs the search to rest (go, ucinewgame, another table size) ends a running one first.
 #pragma once
 
-#include "quarnelchess/Book.h"
-#include "quarnelchess/Clock.h"
-#include "quarnelchess/Search.h"
+#include "quarnelchess/book/Book.h"
+#include "quarnelchess/search/Clock.h"
+#include "quarnelchess/search/Search.h"
 
 #include <functional>
 #include <mutex>

@@ -1,6 +1,6 @@
 // Game records: their bytes, their two messages, and what survives each kind of failure.
-#include "quarnelchess/Records.h"
-#include "quarnelchess/Search.h"
+#include "quarnelchess/records/Records.h"
+#include "quarnelchess/search/Search.h"
 #include "support/ProgramFixture.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 // A clock for tests: it stands still but for what SleepMs() and Advance() add.
 #pragma once
 
-#include "quarnelchess/Clock.h"
+#include "quarnelchess/search/Clock.h"
 
 #include <atomic>
 

@@ -1,8 +1,8 @@
 // Positions for tests: random games from a few starting points, the same ones every time.
 #pragma once
 
-#include "quarnelchess/Fen.h"
-#include "quarnelchess/MoveGen.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/board/MoveGen.h"
 
 #include <functional>
 #include <random>

@@ -1,7 +1,7 @@
-#include "quarnelchess/Book.h"
-#include "quarnelchess/MoveGen.h"
-#include "quarnelchess/San.h"
-#include "quarnelchess/Text.h"
+#include "quarnelchess/board/MoveGen.h"
+#include "quarnelchess/board/Text.h"
+#include "quarnelchess/book/Book.h"
+#include "quarnelchess/records/San.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "RandomGames.h"
 
-#include "quarnelchess/Endgames.h"
-#include "quarnelchess/Evaluation.h"
+#include "quarnelchess/evaluation/Endgames.h"
+#include "quarnelchess/evaluation/Evaluation.h"
 
 #include <gtest/gtest.h>
 

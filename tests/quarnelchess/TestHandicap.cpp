@@ -1,9 +1,9 @@
 #include "RandomGames.h"
 
-#include "quarnelchess/Clock.h"
-#include "quarnelchess/Handicap.h"
-#include "quarnelchess/San.h"
-#include "quarnelchess/Search.h"
+#include "quarnelchess/records/San.h"
+#include "quarnelchess/search/Clock.h"
+#include "quarnelchess/search/Handicap.h"
+#include "quarnelchess/search/Search.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "NaiveRules.h"
 #include "RandomGames.h"
 
-#include "quarnelchess/San.h"
+#include "quarnelchess/records/San.h"
 
 #include <gtest/gtest.h>
 

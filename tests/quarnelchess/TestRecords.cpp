@@ -1,7 +1,7 @@
 #include "RandomGames.h"
 
-#include "quarnelchess/LooseRules.h"
-#include "quarnelchess/Records.h"
+#include "quarnelchess/records/LooseRules.h"
+#include "quarnelchess/records/Records.h"
 
 #include <gtest/gtest.h>
 

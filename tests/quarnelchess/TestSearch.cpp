@@ -1,8 +1,8 @@
 #include "FakeClock.h"
 #include "RandomGames.h"
 
-#include "quarnelchess/San.h"
-#include "quarnelchess/Search.h"
+#include "quarnelchess/records/San.h"
+#include "quarnelchess/search/Search.h"
 
 #include <gtest/gtest.h>
 

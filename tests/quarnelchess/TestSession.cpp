@@ -1,6 +1,6 @@
 #include "FakeClock.h"
 
-#include "quarnelchess/Session.h"
+#include "quarnelchess/library/Session.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "quarnelchess/TranspositionTable.h"
+#include "quarnelchess/search/TranspositionTable.h"
 
 #include <gtest/gtest.h>
 

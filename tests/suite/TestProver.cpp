@@ -1,6 +1,6 @@
 #include "tools/suite/Problem.h"
 
-#include "quarnelchess/San.h"
+#include "quarnelchess/records/San.h"
 #include "tests/quarnelchess/RandomGames.h"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 #include "tools/tune/Tuner.h"
 #include "tools/tune/WeightFile.h"
 
-#include "quarnelchess/Evaluation.h"
-#include "quarnelchess/Fen.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/evaluation/Evaluation.h"
 #include "tests/quarnelchess/RandomGames.h"
 
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@
 // of every tenth move and of the end, and the record as the program's own dialog saved it, game.txt.
 #include "ProgramWindow.h"
 
-#include "quarnelchess/Records.h"
+#include "quarnelchess/records/Records.h"
 #include "tools/match/Options.h"
 
 #include <cstdlib>

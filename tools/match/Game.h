@@ -1,7 +1,7 @@
 // A game as the referee knows it: the moves from the start position, and whether the rules have ended it.
 #pragma once
 
-#include "quarnelchess/MoveGen.h"
+#include "quarnelchess/board/MoveGen.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "Journal.h"
 
-#include "quarnelchess/Text.h"
+#include "quarnelchess/board/Text.h"
 
 #include <algorithm>
 #include <cerrno>

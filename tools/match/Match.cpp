@@ -1,8 +1,8 @@
 #include "Match.h"
 
-#include "quarnelchess/Mix.h"
-#include "quarnelchess/San.h"
-#include "quarnelchess/Text.h"
+#include "quarnelchess/board/Mix.h"
+#include "quarnelchess/board/Text.h"
+#include "quarnelchess/records/San.h"
 
 #include <filesystem>
 #include <fstream>

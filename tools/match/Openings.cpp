@@ -1,6 +1,6 @@
 #include "Openings.h"
 
-#include "quarnelchess/Mix.h"
+#include "quarnelchess/board/Mix.h"
 
 #include <cstdlib>
 #include <random>

@@ -6,7 +6,7 @@
 
 #include "Game.h"
 
-#include "quarnelchess/Search.h"
+#include "quarnelchess/search/Search.h"
 
 namespace quarnel::match {
 

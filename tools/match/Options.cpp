@@ -1,6 +1,6 @@
 #include "Options.h"
 
-#include "quarnelchess/Text.h"
+#include "quarnelchess/board/Text.h"
 
 #include <algorithm>
 #include <charconv>

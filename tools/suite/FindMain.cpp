@@ -10,7 +10,7 @@
 // and problems that a search of a thousand nodes solves are four fifths at most. They are numbered from
 // --number on and added to OPEN (even ones) and HIDDEN (odd ones).
 #include "Problem.h"
-#include "quarnelchess/Evaluation.h"
+#include "quarnelchess/evaluation/Evaluation.h"
 #include "tools/tune/SelfPlay.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "Problem.h"
 
-#include "quarnelchess/Fen.h"
-#include "quarnelchess/San.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/records/San.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "Prover.h"
 
-#include "quarnelchess/Mix.h"
-#include "quarnelchess/MoveGen.h"
+#include "quarnelchess/board/Mix.h"
+#include "quarnelchess/board/MoveGen.h"
 
 #include <algorithm>
 

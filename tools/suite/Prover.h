@@ -13,7 +13,7 @@
 // Nodes are remembered by their 64-bit keys; two positions with one key are taken to be the same.
 #pragma once
 
-#include "quarnelchess/Board.h"
+#include "quarnelchess/board/Board.h"
 
 #include <cstdint>
 #include <optional>

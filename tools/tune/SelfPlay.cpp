@@ -1,6 +1,6 @@
 #include "SelfPlay.h"
 
-#include "quarnelchess/MoveGen.h"
+#include "quarnelchess/board/MoveGen.h"
 
 #include <algorithm>
 #include <cstdlib>

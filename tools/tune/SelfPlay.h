@@ -5,7 +5,7 @@
 // speed or the number of threads. One thread for each Search.
 #pragma once
 
-#include "quarnelchess/Search.h"
+#include "quarnelchess/search/Search.h"
 
 #include <string>
 #include <vector>

@@ -5,7 +5,7 @@
 // The result is 1, 0.5 or 0 and the value in centipawns, both White's view. The file depends on games,
 // first (the number of the first game), nodes, positions (the most of one game) and seed alone.
 #include "SelfPlay.h"
-#include "quarnelchess/Fen.h"
+#include "quarnelchess/board/Fen.h"
 
 #include <atomic>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "TrainingData.h"
 
-#include "quarnelchess/Evaluation.h"
-#include "quarnelchess/Fen.h"
+#include "quarnelchess/board/Fen.h"
+#include "quarnelchess/evaluation/Evaluation.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -4,7 +4,7 @@
 // so a million need some 300 MB.
 #pragma once
 
-#include "quarnelchess/Weights.h"
+#include "quarnelchess/evaluation/Weights.h"
 
 #include <cstdint>
 #include <span>

@@ -2,7 +2,7 @@
 //
 //   quarnel-tune [options] WEIGHTS OUTPUT DATA...
 //
-// WEIGHTS is quarnelchess/Weights.inc as it was compiled into this program; OUTPUT, which may be the same
+// WEIGHTS is quarnelchess/evaluation/Weights.inc as it was compiled into this program; OUTPUT, which may be the same
 // file, gets its comments and the new numbers. Options, each with a number: --share (of the search's value
 // in the target, 0 to 1), --pull, --step, --epochs, --patience, --batch, --threads, --seed.
 #include "Tuner.h"

@@ -1,0 +1,127 @@
+#include "quarnelchess/search/MovePicker.h"
+
+#include <utility>
+
+namespace quarnel::engine {
+
+MovePicker::MovePicker(const Board& board, History& history, Move tableMove, const Move (&killers)[2],
+                       Continuation* const (&answers)[3])
+    : board_(board), history_(history), answers_{answers[0], answers[1], answers[2]},
+      tableMove_(IsLegal(board, tableMove) ? tableMove : Move{}), killers_{killers[0], killers[1]} {}
+
+MovePicker::MovePicker(const Board& board, History& history, Move tableMove, int threshold)
+    : board_(board), history_(history), threshold_(threshold), quiescence_(true) {
+    if (IsLegal(board, tableMove) && (board.InCheck() || board.IsNoisy(tableMove))) tableMove_ = tableMove;
+}
+
+void MovePicker::ScoreNoisy() {
+    for (std::size_t i = current_; i < moves_.Size(); ++i) {
+        const Move move = moves_[i];
+        const PieceKind captured = move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(board_.At(move.To()));
+        int score =
+            16 * ExchangeValue[captured] + history_.Capture(board_.At(move.From()), move.To(), captured).Value();
+        if (move.IsPromotion()) score += move.PromotionKind() == Queen ? 16 * ExchangeValue[Queen] : -100000;
+        scores_[i] = score;
+    }
+}
+
+void MovePicker::ScoreQuiets(std::size_t first) {
+    for (std::size_t i = first; i < moves_.Size(); ++i) {
+        const Move move = moves_[i];
+        const Piece piece = board_.At(move.From());
+        int score = 2 * history_.Quiet(board_.SideToMove(), move).Value();
+        for (Continuation* answers : answers_)
+            if (answers != nullptr) score += (*answers)[piece][move.To()].Value();
+        scores_[i] = score;
+    }
+}
+
+Move MovePicker::PickBest() {
+    std::size_t best = current_;
+    for (std::size_t i = current_ + 1; i < moves_.Size(); ++i)
+        if (scores_[i] > scores_[best]) best = i;
+    std::swap(scores_[best], scores_[current_]);
+    std::swap(moves_[best], moves_[current_]);
+    return moves_[current_++];
+}
+
+Move MovePicker::Next() {
+    switch (stage_) {
+    case Stage::Table:
+        stage_ = quiescence_ && board_.InCheck() ? Stage::StartEvasions : Stage::StartNoisy;
+        if (tableMove_) return tableMove_;
+        return Next();
+
+    case Stage::StartNoisy:
+        GenerateMoves<MoveClass::Noisy>(board_, moves_);
+        ScoreNoisy();
+        stage_ = Stage::GoodNoisy;
+        [[fallthrough]];
+
+    case Stage::GoodNoisy:
+        while (current_ < moves_.Size()) {
+            const Move move = PickBest();
+            if (move == tableMove_) continue;
+            if (board_.ExchangeGains(move, threshold_)) return move;
+            if (!quiescence_) bad_[badCount_++] = move;
+        }
+        stage_ = quiescence_ ? Stage::Done : Stage::Killers;
+        return Next();
+
+    case Stage::Killers:
+        while (!skipQuiets_ && nextKiller_ < 2) {
+            const Move killer = killers_[nextKiller_++];
+            if (killer && killer != tableMove_ && !board_.IsNoisy(killer) && IsLegal(board_, killer)) return killer;
+        }
+        stage_ = Stage::StartQuiet;
+        [[fallthrough]];
+
+    case Stage::StartQuiet:
+        if (!skipQuiets_) {
+            moves_.Clear();
+            current_ = 0;
+            GenerateMoves<MoveClass::Quiet>(board_, moves_);
+            ScoreQuiets(0);
+        }
+        stage_ = Stage::Quiets;
+        [[fallthrough]];
+
+    case Stage::Quiets:
+        while (!skipQuiets_ && current_ < moves_.Size()) {
+            const Move move = PickBest();
+            if (move != tableMove_ && !IsKiller(move)) return move;
+        }
+        stage_ = Stage::BadNoisy;
+        [[fallthrough]];
+
+    case Stage::BadNoisy:
+        if (nextBad_ < badCount_) return bad_[nextBad_++];
+        stage_ = Stage::Done;
+        return {};
+
+    case Stage::StartEvasions: {
+        GenerateMoves<MoveClass::Noisy>(board_, moves_);
+        ScoreNoisy();
+        const std::size_t noisy = moves_.Size();
+        for (std::size_t i = 0; i < noisy; ++i) scores_[i] += 1 << 20;
+        GenerateMoves<MoveClass::Quiet>(board_, moves_);
+        ScoreQuiets(noisy);
+        stage_ = Stage::Evasions;
+        [[fallthrough]];
+    }
+
+    case Stage::Evasions:
+        while (current_ < moves_.Size()) {
+            const Move move = PickBest();
+            if (move != tableMove_) return move;
+        }
+        stage_ = Stage::Done;
+        return {};
+
+    case Stage::Done:
+        break;
+    }
+    return {};
+}
+
+} // namespace quarnel::engine
