@@ -1,5 +1,6 @@
 // The six exported functions: thin doors to Records and to the one Session.
 #include "quarnelchess/library/Session.h"
+#include "quarnelchess/records/LooseRules.h"
 #include "quarnelchess/records/Records.h"
 #include "quarnelchess/search/Clock.h"
 

@@ -2,6 +2,7 @@
 
 #include "quarnelchess/board/MoveGen.h"
 #include "quarnelchess/board/Text.h"
+#include "quarnelchess/records/LooseRules.h"
 #include "quarnelchess/records/Records.h"
 #include "quarnelchess/records/San.h"
 

@@ -177,8 +177,8 @@ class Lister {
     void Add(const MoveRec& move) {
         if (list_.Count == 255) return;
         Position after = position_;
-        PlayLoosely(after, move);
-        if (!AnyKingAttacked(after, side_)) list_.Moves[list_.Count++] = move;
+        PlayMove(after, move);
+        if (!KingAttacked(after, side_)) list_.Moves[list_.Count++] = move;
     }
 
     const Position& position_;
@@ -221,7 +221,7 @@ void ListLooseMoves(const Position& position, Color side, MoveList& list) {
     Lister(position, side, list).Run();
 }
 
-void PlayLoosely(Position& position, const MoveRec& move) {
+void PlayMove(Position& position, const MoveRec& move) {
     if (move.Promote >= FirstResultCode && move.Promote <= LastResultCode) return;
     if (move.Castle != 0) {
         PlayCastling(position, move);
@@ -250,7 +250,7 @@ void PlayLoosely(Position& position, const MoveRec& move) {
     LoseCorner(position, move.ToFile, move.ToRow);
 }
 
-bool AnyKingAttacked(const Position& position, Color side) {
+bool KingAttacked(const Position& position, Color side) {
     for (int row = 1; row <= 8; ++row)
         for (int file = 1; file <= 8; ++file)
             if (position.Board[row][file] == CodeOf(side, King) && Attacked(position, file, row, ~side)) return true;

@@ -109,12 +109,4 @@ void ListMoves(const Position& position, Color side, MoveList& list) {
     }
 }
 
-void PlayMove(Position& position, const MoveRec& move) {
-    PlayLoosely(position, move);
-}
-
-bool KingAttacked(const Position& position, Color side) {
-    return AnyKingAttacked(position, side);
-}
-
 } // namespace quarnel::engine

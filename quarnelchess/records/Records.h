@@ -1,4 +1,4 @@
-// The rules over position and move records, and the only place where records become boards.
+// Legal moves of position records, and the only place where records become boards.
 //
 // Any bytes may stand in a record. Positions that Board holds go the fast road; all others (no king or
 // many, pawns on the last ranks, heaps of queens, codes beyond 12) are served by plain rules that keep
@@ -27,12 +27,5 @@ bool SameMove(const MoveRec& a, const MoveRec& b);
 
 /// Every legal move of `side`, whoever's turn the record says it is; at most 255.
 void ListMoves(const Position& position, Color side, MoveList& list);
-
-/// Plays the move as told, legal or not; whoever's turn it is stays. A move without a piece, off the
-/// board, or with a game result in place of a promotion leaves the record alone.
-void PlayMove(Position& position, const MoveRec& move);
-
-/// True when any king of `side` is attacked; false without one.
-bool KingAttacked(const Position& position, Color side);
 
 } // namespace quarnel::engine

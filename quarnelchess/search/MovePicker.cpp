@@ -63,7 +63,7 @@ Move MovePicker::Next() {
             const Move move = PickBest();
             if (move == tableMove_) continue;
             if (board_.ExchangeGains(move, threshold_)) return move;
-            if (!quiescence_) bad_[badCount_++] = move;
+            if (!quiescence_) moves_[badCount_++] = move;
         }
         stage_ = quiescence_ ? Stage::Done : Stage::Killers;
         return Next();
@@ -78,10 +78,10 @@ Move MovePicker::Next() {
 
     case Stage::StartQuiet:
         if (!skipQuiets_) {
-            moves_.Clear();
-            current_ = 0;
+            moves_.Shrink(badCount_);
+            current_ = badCount_;
             GenerateMoves<MoveClass::Quiet>(board_, moves_);
-            ScoreQuiets(0);
+            ScoreQuiets(current_);
         }
         stage_ = Stage::Quiets;
         [[fallthrough]];
@@ -95,7 +95,7 @@ Move MovePicker::Next() {
         [[fallthrough]];
 
     case Stage::BadNoisy:
-        if (nextBad_ < badCount_) return bad_[nextBad_++];
+        if (nextBad_ < badCount_) return moves_[nextBad_++];
         stage_ = Stage::Done;
         return {};
 

@@ -54,10 +54,9 @@ class MovePicker {
     int nextKiller_ = 0;
     MoveBuffer moves_;
     std::size_t current_ = 0;
-    std::size_t badCount_ = 0;
+    std::size_t badCount_ = 0; // captures put off, at the front of moves_, where those handed out stood
     std::size_t nextBad_ = 0;
     int scores_[MoveBuffer::Capacity];
-    Move bad_[MoveBuffer::Capacity];
 };
 
 } // namespace quarnel::engine

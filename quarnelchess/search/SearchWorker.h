@@ -1,9 +1,15 @@
 // One search thread's work: iterative deepening over its own stack, histories and evaluation.
+//
+// SearchWorker.cpp has the iterations and the root moves, SearchTree.cpp the tree below them.
 #pragma once
 
 #include "quarnelchess/evaluation/Evaluation.h"
 #include "quarnelchess/search/History.h"
-#include "quarnelchess/search/Search.h"
+#include "quarnelchess/search/SearchTask.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
 
 namespace quarnel::engine {
 
@@ -17,15 +23,16 @@ struct RootMove {
 
 class SearchWorker {
   public:
-    SearchWorker(Search& search, int index);
+    /// `task` outlives the worker; `index` is its place among the threads, 0 the one that decides about time and
+    /// reports.
+    SearchWorker(SearchTask& task, int index);
 
+    /// Forgets what it has learned.
     void Clear();
     void ResizePawnCache(std::size_t bytes) { evaluation_.ResizePawnCache(bytes); }
-    /// Deepens until a limit or a stop; worker 0 decides about time and reports.
+    /// Deepens until a limit or a stop.
     void Think();
 
-    void ResetNodes() { nodes_.store(0, std::memory_order_relaxed); }
-    std::uint64_t Nodes() const { return nodes_.load(std::memory_order_relaxed); }
     /// Ordered best first, as of the last iteration.
     const std::vector<RootMove>& RootMoves() const { return rootMoves_; }
     int CompletedDepth() const { return completedDepth_; }
@@ -42,46 +49,122 @@ class SearchWorker {
         int LineLength = 0;
         Move Line[MaxPly];
     };
-    /// Moves that were tried before the one that cut off.
-    struct TriedMoves {
-        Move Moves[64];
-        int Count = 0;
-        void Add(Move move) {
-            if (Count < 64) Moves[Count++] = move;
+    /// A node of the tree with what its steps have found out so far. Values in centipawns for the side to move.
+    struct Node {
+        const Board& Position;
+        int Alpha;
+        int Beta;
+        int Depth;      // plies left
+        int Ply;        // plies from the root
+        bool IsCutNode; // expected to fail high
+
+        bool IsRoot = Ply == 0;
+        bool IsPv = Beta - Alpha > 1;
+        bool InCheck = Position.InCheck();
+        Move Excluded{}; // not to be searched: the node asks how good the others are
+
+        bool Found = false; // `Entry` is what the table knows
+        TableEntry Entry{};
+        int TableValue = NoValue;
+        Move TableMove{}; // at the root the best move so far
+        bool WasPv = false;
+
+        int RawEval = NoValue;    // as the evaluation gave it
+        int Eval = NoValue;       // corrected by experience and by the table; NoValue in check
+        bool IsImproving = false; // better off than at its own turn before
+    };
+    /// Moves that were tried before the one that cut off; of very many the first.
+    struct TriedMoves : MoveArray<64> {
+        void AddIfRoom(Move move) {
+            if (Size() < Capacity) Add(move);
         }
     };
+    /// What the moves of a node have brought so far.
+    struct Progress {
+        int BestValue = -InfiniteValue;
+        Move Best{};
+        int Count = 0;      // moves seen, pruned ones included
+        int Overlooked = 0; // by a player with a handicap
+        TriedMoves Quiets;
+        TriedMoves Noisies;
+    };
+    /// A node that only looks whether something hangs.
+    struct LeafNode {
+        const Board& Position;
+        int Alpha;
+        int Beta;
+        int Ply;
+        bool IsPv = Beta - Alpha > 1;
+        bool InCheck = Position.InCheck();
+        int RawEval = NoValue;
+        int Eval = NoValue;
+        int BestValue = -MateValue + Ply;
+        Move Best{};
+    };
+    /// One move of a node and what is known of it before it is searched.
+    struct NodeMove {
+        Move Played;
+        bool IsNoisy;
+        int QuietScore; // history of a quiet move
+        bool GivesCheck = false;
+        int Extension = 0; // plies
+    };
 
+    // Iterations and root moves.
     void PrepareRoot();
     void SearchDepth(int depth);
     void SearchRootWindow(int depth, int previous);
-    int SearchNode(const Board& board, int alpha, int beta, int depth, int ply, bool cutNode);
-    int Quiesce(const Board& board, int alpha, int beta, int ply);
-    int SingularExtension(const Board& board, const TableEntry& entry, int tableValue, int beta, int depth, int ply,
-                          bool cutNode, bool pv, int& cutValue);
+    void RememberRootMove(Move move, int moveCount, int value, int alpha);
+    void Report(int index) const;
+    bool MateIsProven(int depth) const;
+    bool IterationsSuffice(int depth);
+    bool IsRootMove(Move move) const;
 
+    // The tree. A step that returns a value has decided the node; it is 0 once the search is stopped.
+    int SearchNode(const Board& board, int alpha, int beta, int depth, int ply, bool cutNode);
+    std::optional<int> Enter(Node& node);
+    std::optional<int> ProbeTable(Node& node);
+    void SetStaticValue(Node& node);
+    bool IsImproving(const Node& node) const;
+    std::optional<int> CutWithoutMove(const Node& node);
+    std::optional<int> Razor(const Node& node);
+    std::optional<int> PassTurn(const Node& node);
+    std::optional<int> ProbeCaptures(const Node& node);
+    int SearchMoves(Node& node);
+    bool IsLeftOut(const Node& node, Move move, Progress& progress) const;
+    bool IsPruned(const Node& node, const NodeMove& candidate, const Progress& progress) const;
+    std::optional<int> ExtendSingular(const Node& node, NodeMove& candidate);
+    void ExtendCheck(const Node& node, const Board& next, NodeMove& candidate) const;
+    int SearchMove(const Node& node, const Board& next, const NodeMove& candidate, const Progress& progress);
+    int Reduction(const Node& node, const NodeMove& candidate, int moveCount) const;
+    int Conclude(const Node& node, const Progress& progress, int alphaBefore);
+    int Quiesce(const Board& board, int alpha, int beta, int ply);
+    void SearchLeafMoves(LeafNode& leaf, Move tableMove);
+
+    // Small steps.
     bool CountNodeAndCheckStop();
+    /// By a player with a handicap.
+    bool IsOverlooked(const Board& board, Move move) const {
+        return !task_.Weakness.IsNone() && Overlooks(task_.Weakness, board, move, task_.Occasion);
+    }
     bool IsDraw(const Board& board, int ply) const;
     int CorrectedEval(const Board& board, int rawEval) const;
     void PlayInto(Board& next, const Board& board, Move move, int ply);
     int QuietScore(const Board& board, Move move, int ply);
     void UpdateLine(int ply, Move move);
-    void RewardCutoff(const Board& board, int ply, Move best, const TriedMoves& quiets, const TriedMoves& noisies,
-                      int depth);
+    void CorrectEval(const Node& node, const Progress& progress, Bound bound);
+    void RewardCutoff(const Node& node, const Progress& progress);
     void RewardRefutation(const Board& board, int ply, int depth);
     void AddContinuation(Piece piece, Square to, int ply, int bonus);
-    void RememberRootMove(Move move, int moveCount, int value, int alpha);
-    void Report(int index) const;
-    bool MateIsProven(int depth) const;
-    bool IterationsSuffice(int depth);
 
     PlyState& At(int ply) { return stack_[ply + StackMargin]; }
     const PlyState& At(int ply) const { return stack_[ply + StackMargin]; }
 
     static constexpr int StackMargin = 4; // so that a node can look four plies back
 
-    Search& search_;
+    SearchTask& task_;
     const int index_;
-    std::atomic<std::uint64_t> nodes_{0};
+    std::atomic<std::uint64_t>& nodes_;
     Evaluation evaluation_;
     History history_;
     std::vector<RootMove> rootMoves_;

@@ -40,7 +40,6 @@ class TranspositionTable {
 
     /// Share of entries written by the current search, in thousandths, from a sample.
     int FilledPermille() const;
-    std::size_t SizeMegabytes() const { return (clusterCount_ * sizeof(Cluster)) >> 20; }
 
   private:
     static constexpr unsigned GenerationMask = 31;

@@ -9,6 +9,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -159,6 +160,35 @@ TEST(IncludeFloors, HoldInTheEngineLibrary) {
                     EXPECT_TRUE(EngineMayHave(file, line)) << "quarnelchess/" << file << ":" << number << ": " << line;
                 });
     EXPECT_EQ(rooms.size(), EngineFloors.size());
+}
+
+// A header and its source are one module; what it includes, even by a roundabout way, does not include it.
+TEST(IncludeFloors, HaveNoCircles) {
+    std::map<std::string, Names> needs;
+    for (const std::string house : {"src/", "quarnelchess/"}) {
+        const auto moduleOf = [](const std::string& path) {
+            return fs::path(path).replace_extension().generic_string();
+        };
+        ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / house, [&](const std::string& file, const std::string& line, int) {
+            std::smatch match;
+            if (!std::regex_match(line, match, Include)) return;
+            const std::string named = match[2];
+            const std::string here = moduleOf(house + file);
+            const std::string there = moduleOf(named.starts_with(house) ? named : house + named);
+            if (here != there) needs[here].insert(there);
+        });
+    }
+    ASSERT_GT(needs.size(), 50U);
+    for (const auto& [start, direct] : needs) {
+        Names reached;
+        for (std::vector<std::string> next(direct.begin(), direct.end()); !next.empty();) {
+            const std::string module = next.back();
+            next.pop_back();
+            if (reached.insert(module).second && needs.contains(module))
+                next.insert(next.end(), needs[module].begin(), needs[module].end());
+        }
+        EXPECT_FALSE(reached.contains(start)) << start << " includes itself";
+    }
 }
 
 } // namespace

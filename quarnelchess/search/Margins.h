@@ -1,0 +1,105 @@
+// The numbers of the search, one line of reason each.
+//
+// Depths and reductions are plies, values and margins centipawns, history scores what HistoryCounter holds. All were
+// found by playing; where two work together the pair was. Change them by match, not by taste.
+#pragma once
+
+#include <cstdint>
+
+namespace quarnel::engine::margins {
+
+// --- Stopping and iterations ----------------------------------------------------------------------
+
+constexpr std::uint64_t StopCheckNodes = 512; // a power of two; asking the clock at every node would cost a tenth
+constexpr std::uint64_t FirstIterationNodes =
+    20000;                                // so much is looked at before a stop, to have a move that was searched
+constexpr int OnlyMoveDepth = 4;          // an only move needs no more thought than an expected answer does
+constexpr int AspirationDepth = 5;        // before, values jump too much from one iteration to the next
+constexpr int AspirationWindowCp = 14;    // half the first window: about what an iteration changes
+constexpr int WidestAspirationCp = 600;   // beyond, something happened that no window foresaw
+constexpr int MostFailHighReductions = 2; // a root move that fails high is confirmed a little shallower
+
+// --- Table ----------------------------------------------------------------------------------------
+
+constexpr int TableCutMaxClock = 90; // half-moves without progress; near a hundred the table does not know of the draw
+
+// --- Cuts without a move --------------------------------------------------------------------------
+
+constexpr int RazorMaxDepth = 3;     // deeper, quiet moves have time to mend what is missing
+constexpr int RazorBaseCp = 220;     // so far below, one quiet move will not do
+constexpr int RazorPerDepthCp = 190; // and so much further for each ply it could use
+
+constexpr int ReverseFutilityMaxDepth = 8;    // deeper, an advantage can be worked against for too long
+constexpr int ReverseFutilityPerDepthCp = 75; // what the opponent may win back in a ply
+
+constexpr int NullMoveMinDepth = 3;          // below, quiescence answers as well
+constexpr int NullMoveEvalBaseCp = 140;      // near the leaves the static value must be above beta itself
+constexpr int NullMoveEvalPerDepthCp = 18;   // deep down it may be below, because the search makes up for it
+constexpr int NullMoveReduction = 3;         // plies saved at least
+constexpr int NullMoveDepthDivisor = 3;      // and one more for every three
+constexpr int NullMoveEvalDivisorCp = 180;   // and one more for each such lead,
+constexpr int NullMoveMostEvalReduction = 3; // as long as it is no fluke
+constexpr int NullMoveVerifyDepth = 14;      // from here on a wrong pass costs more than a second look
+constexpr int NullMoveVerifyQuarters = 3;    // of the reduced depth, in quarters: the plies that may not pass then
+
+constexpr int CaptureProbeMinDepth = 5;     // so that there is a search left below the probe
+constexpr int CaptureProbeMarginCp = 190;   // above beta: what the reduced search may be wrong by
+constexpr int CaptureProbeImprovingCp = 50; // less when things are looking up anyway
+constexpr int CaptureProbeReduction = 4;    // plies
+constexpr int CaptureProbeTrust = 3;        // an entry so many plies shallower already tells that no capture does it
+
+// --- Depth of the node ----------------------------------------------------------------------------
+
+constexpr int InternalReductionMinDepth = 4; // without a known move a shallower search finds one first
+
+// --- Moves left out -------------------------------------------------------------------------------
+
+constexpr int LateMoveBase =
+    4; // quiet moves looked at: this and the square of the depth, half of it when not improving
+
+constexpr int FutilityMaxDepth = 8;    // depth after reduction
+constexpr int FutilityBaseCp = 90;     // what a quiet move gains at best at once
+constexpr int FutilityPerDepthCp = 85; // and in each ply that follows
+
+constexpr int HistoryPruningMaxDepth = 4;     // depth after reduction
+constexpr int HistoryPruningBase = -3000;     // history score of moves that have mostly failed,
+constexpr int HistoryPruningPerDepth = -4000; // and must have failed more often where more depth is at stake
+
+constexpr int QuietExchangeMaxDepth = 8;      // depth after reduction
+constexpr int QuietExchangePerDepth2Cp = -24; // times depth squared: what a quiet move may lose on its square
+constexpr int NoisyExchangeMaxDepth = 8;      // depth of the node
+constexpr int NoisyExchangePerDepthCp = -95;  // a capture may lose a pawn for each ply left to make up for it
+
+// --- Extensions -----------------------------------------------------------------------------------
+
+constexpr int SingularMinDepth = 7;           // the test costs a search of half the depth
+constexpr int SingularTrust = 3;              // plies that the table's entry may be shallower
+constexpr int SingularPerDepthCp = 2;         // by how much the others must be worse, for each ply
+constexpr int SingularFormerPvPerDepthCp = 3; // and where a principal variation once went through
+constexpr int DoubleExtensionCp = 18;         // so much worse again: two plies
+constexpr int MostDoubleExtensions = 6;       // on one line, which would not end otherwise
+constexpr int CheckExtensionMaxDepth = 10;    // deeper, the search sees the check through by itself
+constexpr int ExtensionPlyFactor = 2;         // no extension beyond this many times the iteration's depth
+
+// --- Reductions -----------------------------------------------------------------------------------
+
+constexpr int ReductionMinDepth = 2;          // below, there is nothing to save
+constexpr double QuietReductionBase = 0.9;    // plies: base + log(depth) * log(number) / divisor
+constexpr double QuietReductionDivisor = 2.1; //
+constexpr double NoisyReductionBase = 0.2;    // captures are fewer and more to the point
+constexpr double NoisyReductionDivisor = 3.6;
+constexpr int HistoryReductionDivisor = 9000; // history score worth a ply
+constexpr int DeeperAgainCp = 60;             // better than the best by so much: a ply more the second time
+constexpr int ShallowerAgainCp = 8;           // hardly better: a ply less
+
+// --- Learning -------------------------------------------------------------------------------------
+
+constexpr int HistoryBonusPerDepth2 = 14; // a cut deep down says more,
+constexpr int HistoryBonusPerDepth = 90;
+constexpr int HistoryBonusMost = 1700; // but no single one decides
+
+// --- Quiescence -----------------------------------------------------------------------------------
+
+constexpr int DeltaCp = 180; // what a capture may bring beside the piece
+
+} // namespace quarnel::engine::margins
