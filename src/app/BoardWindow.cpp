@@ -45,7 +45,7 @@ BoardWindow::BoardWindow(Desktop& desktop) : desktop_(desktop) {
     Window.Caption = u"Quarnel Chess v3.26";
     Window.BackColor = FrameColour;
     for (MenuItem& item : SubFileMenu) FileMenu.Add(item);
-    for (MenuItem& item : pprom) edeeded.Add(item);
+    for (MenuItem& item : pprom) PromotionSubmenu.Add(item);
     pprom.back().Checked = true;
     AddControls();
 }

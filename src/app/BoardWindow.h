@@ -19,15 +19,19 @@ struct BoardWindow {
 
     Form Window{"FrmBoard", FormBorder::Framed};
 
-    MenuItem FileMenu{u"Game"};
-    std::array<MenuItem, 5> SubFileMenu{MenuItem(u"New Game as White"), MenuItem(u"New Game as Black"), MenuItem(u"-"),
-                                        MenuItem(u"Save Game at current positon"), MenuItem(u"Load Game")};
-    MenuItem ededeeede{u"Options"};
-    MenuItem vwewe3ee3{u"Zoom"};
-    MenuItem edeeded{u"Promote next pawn to"};
-    std::array<MenuItem, 4> pprom{MenuItem(u"Knight"), MenuItem(u"Bishop"), MenuItem(u"Rook"), MenuItem(u"Queen")};
-    MenuItem hlp{u"Help"};
-    MenuItem hpg{u"HomePage"};
+    MenuItem FileMenu{"FileMenu", u"Game"};
+    std::array<MenuItem, 5> SubFileMenu{{{"SubFileMenu(0)", u"New Game as White"},
+                                         {"SubFileMenu(1)", u"New Game as Black"},
+                                         {"SubFileMenu(2)", u"-"},
+                                         {"SubFileMenu(3)", u"Save Game at current positon"},
+                                         {"SubFileMenu(4)", u"Load Game"}}};
+    MenuItem OptionsMenu{"ededeeede", u"Options"};
+    MenuItem ZoomSubmenu{"vwewe3ee3", u"Zoom"};
+    MenuItem PromotionSubmenu{"edeeded", u"Promote next pawn to"};
+    std::array<MenuItem, 4> pprom{
+        {{"pprom(0)", u"Knight"}, {"pprom(1)", u"Bishop"}, {"pprom(2)", u"Rook"}, {"pprom(3)", u"Queen"}}};
+    MenuItem hlp{"hlp", u"Help"};
+    MenuItem hpg{"hpg", u"HomePage"};
 
     StatusStrip Status;
     MoveControls Moves;

@@ -49,12 +49,12 @@ FrmBoard::FrmBoard(const FrmBoardParts& parts) : p_(parts) {
 
 void FrmBoard::BuildMenus() {
     BoardWindow& board = p_.Board;
-    for (MenuItem& item : p_.Zoom.vw) board.vwewe3ee3.Add(item);
-    board.ededeeede.Add(board.vwewe3ee3);
-    board.ededeeede.Add(p_.Settings.cs3e3e);
-    board.ededeeede.Add(p_.Settings.pnd);
-    board.ededeeede.Add(board.edeeded);
-    for (MenuItem* menu : {&board.FileMenu, &board.Moves.MovesMenu, &board.ededeeede, &board.hlp, &board.hpg}) {
+    for (MenuItem& item : p_.Zoom.vw) board.ZoomSubmenu.Add(item);
+    board.OptionsMenu.Add(board.ZoomSubmenu);
+    board.OptionsMenu.Add(p_.Settings.StrengthSubmenu);
+    board.OptionsMenu.Add(p_.Settings.pnd);
+    board.OptionsMenu.Add(board.PromotionSubmenu);
+    for (MenuItem* menu : {&board.FileMenu, &board.Moves.MovesMenu, &board.OptionsMenu, &board.hlp, &board.hpg}) {
         board.Window.AddMenu(*menu);
     }
 }

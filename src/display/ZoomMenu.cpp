@@ -33,8 +33,14 @@ void SetFontSize(Control& label, int points) {
 
 ZoomMenu::ZoomMenu(GameState& state, BoardRenderer& renderer, StatusStrip& status, ZoomedControls controls,
                    Form& frmBoard, Desktop& desktop)
-    : vw{MenuItem(u"75 %"),  MenuItem(u"100 %"), MenuItem(u"125 %"), MenuItem(u"150 %"),
-         MenuItem(u"175 %"), MenuItem(u"200 %"), MenuItem(u"225 %"), MenuItem(u"250 %")},
+    : vw{{{"vw(0)", u"75 %"},
+          {"vw(1)", u"100 %"},
+          {"vw(2)", u"125 %"},
+          {"vw(3)", u"150 %"},
+          {"vw(4)", u"175 %"},
+          {"vw(5)", u"200 %"},
+          {"vw(6)", u"225 %"},
+          {"vw(7)", u"250 %"}}},
       state_(state), renderer_(renderer), status_(status), controls_(controls), frmBoard_(frmBoard), desktop_(desktop) {
     for (std::size_t i = 0; i < vw.size(); ++i) {
         vw[i].OnClick = [this, i] { vw_Click(static_cast<std::int16_t>(i)); };

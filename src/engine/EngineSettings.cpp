@@ -19,12 +19,18 @@ Text OnOff(Truth value) {
 } // namespace
 
 EngineSettings::EngineSettings(GameState& state, CommandQueue& commands, Desktop& desktop)
-    : cs{MenuItem(u"Level 1 - 0.5 sec"), MenuItem(u"Level 2 - 0.5 sec"), MenuItem(u"Level 3 - 0.5 sec"),
-         MenuItem(u"Level 4 - 0.5 sec"), MenuItem(u"Level 5 - 0.5 sec"), MenuItem(u"Level 6 - 0.5 sec"),
-         MenuItem(u"Level 7 - 1 sec"),   MenuItem(u"Level 8 - 3 sec"),   MenuItem(u"Level 9 - 5 sec"),
-         MenuItem(u"Level 10 - 10 sec")},
+    : cs{{{"cs(0)", u"Level 1 - 0.5 sec"},
+          {"cs(1)", u"Level 2 - 0.5 sec"},
+          {"cs(2)", u"Level 3 - 0.5 sec"},
+          {"cs(3)", u"Level 4 - 0.5 sec"},
+          {"cs(4)", u"Level 5 - 0.5 sec"},
+          {"cs(5)", u"Level 6 - 0.5 sec"},
+          {"cs(6)", u"Level 7 - 1 sec"},
+          {"cs(7)", u"Level 8 - 3 sec"},
+          {"cs(8)", u"Level 9 - 5 sec"},
+          {"cs(9)", u"Level 10 - 10 sec"}}},
       state_(state), commands_(commands), desktop_(desktop) {
-    for (MenuItem& item : cs) cs3e3e.Add(item);
+    for (MenuItem& item : cs) StrengthSubmenu.Add(item);
     cs[DesignedLevel].Checked = true;
     pnd.Checked = true;
 }

@@ -25,9 +25,9 @@ class EngineSettings {
     Truth PonderWanted = False;     ///< the "Ponder" check mark when last taken
     Truth PonderPending = False;    ///< the engine has not been told PonderWanted yet
 
-    MenuItem cs3e3e{u"Computer strength"};
+    MenuItem StrengthSubmenu{"cs3e3e", u"Computer strength"};
     std::array<MenuItem, 10> cs; ///< levels 1 to 10
-    MenuItem pnd{u"Ponder"};
+    MenuItem pnd{"pnd", u"Ponder"};
 
     /// Applies level `index` (0..9 are the menu's) and sends it. Never stores it.
     void setlevel(std::int16_t index);

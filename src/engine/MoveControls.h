@@ -21,19 +21,22 @@ enum MovesItem {
 };
 
 struct MoveControls {
-    MenuItem MovesMenu{u"Moves"};
-    std::array<MenuItem, 7> SubMovesMenu{MenuItem(u"Back up one move", u"Ctrl+B"),
-                                         MenuItem(u"Forward one move", u"Ctrl+F"),
-                                         MenuItem(u"Back to start", u"Ctrl+S"),
-                                         MenuItem(u"Forward to end", u"Ctrl+E"),
-                                         MenuItem(u"-"),
-                                         MenuItem(u"Move now", u"Ctrl+M"),
-                                         MenuItem(u"Stop thinking", u"Ctrl+H")};
+    MenuItem MovesMenu{"MovesMenu", u"Moves"};
+    std::array<MenuItem, 7> SubMovesMenu{{{"SubMovesMenu(0)", u"Back up one move", u"Ctrl+B"},
+                                          {"SubMovesMenu(1)", u"Forward one move", u"Ctrl+F"},
+                                          {"SubMovesMenu(2)", u"Back to start", u"Ctrl+S"},
+                                          {"SubMovesMenu(3)", u"Forward to end", u"Ctrl+E"},
+                                          {"SubMovesMenu(4)", u"-"},
+                                          {"SubMovesMenu(5)", u"Move now", u"Ctrl+M"},
+                                          {"SubMovesMenu(6)", u"Stop thinking", u"Ctrl+H"}}};
 
     /// Toolbar: back to start, back, forward, forward to end, move now, stop thinking.
-    std::array<Control, 6> poke{Control(ControlKind::Image, "poke(0)"), Control(ControlKind::Image, "poke(1)"),
-                                Control(ControlKind::Image, "poke(2)"), Control(ControlKind::Image, "poke(3)"),
-                                Control(ControlKind::Image, "poke(4)"), Control(ControlKind::Image, "poke(5)")};
+    std::array<Control, 6> poke{{{ControlKind::Image, "poke(0)"},
+                                 {ControlKind::Image, "poke(1)"},
+                                 {ControlKind::Image, "poke(2)"},
+                                 {ControlKind::Image, "poke(3)"},
+                                 {ControlKind::Image, "poke(4)"},
+                                 {ControlKind::Image, "poke(5)"}}};
 
     MoveControls();
 

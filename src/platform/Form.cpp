@@ -28,7 +28,8 @@ void Control::Changed() {
     if (form != nullptr && form->Observer != nullptr) form->Observer->ControlChanged(*this);
 }
 
-MenuItem::MenuItem(Text caption, Text shortcut) : Shortcut(std::move(shortcut)), Caption(*this, std::move(caption)) {}
+MenuItem::MenuItem(std::string name, Text caption, Text shortcut)
+    : Name(std::move(name)), Shortcut(std::move(shortcut)), Caption(*this, std::move(caption)) {}
 
 void MenuItem::Add(MenuItem& item) {
     item.parent_ = this;

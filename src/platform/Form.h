@@ -119,7 +119,7 @@ enum class ControlKind {
 
 class Control : public Element {
   public:
-    /// `name` is the name in the code, kept for tests and for the accessibility tree.
+    /// `name` is the name in the form, kept for tests and for the accessibility tree.
     Control(ControlKind kind, std::string name);
 
     /// Adds `child` on top of those added before. It is not owned and must outlive this control's use.
@@ -164,12 +164,14 @@ class Control : public Element {
 
 class MenuItem : public Element {
   public:
-    /// "-" makes a separator. `shortcut` is "" or like "Ctrl+B".
-    explicit MenuItem(Text caption, Text shortcut = {});
+    /// `name` is the name in the form, kept for tests and for the toolkit. The caption "-" makes a separator.
+    /// `shortcut` is "" or like "Ctrl+B".
+    MenuItem(std::string name, Text caption, Text shortcut = {});
 
     /// Adds `item` at the end of this item's submenu; not owned.
     void Add(MenuItem& item);
 
+    const std::string Name;
     const Text Shortcut;
     Property<Text> Caption{*this};
     Property<bool> Checked{*this, false};

@@ -44,6 +44,22 @@ TEST_F(MainWindow, OpensWithItsMenusAndItsTitle) {
     });
 }
 
+TEST_F(MainWindow, GivesEveryMenuItemItsNameAndItsIndexInTheForm) {
+    Play([&] {
+        std::string names;
+        const std::function<void(const std::vector<MenuItem*>&)> list = [&](const std::vector<MenuItem*>& items) {
+            for (std::size_t i = 0; i < items.size(); ++i) {
+                const bool indexed = items[i]->Name.ends_with("(" + std::to_string(i) + ")");
+                names += indexed ? (i == 0 ? items[i]->Name + " " : "") : items[i]->Name + " ";
+                list(items[i]->Items());
+            }
+        };
+        list(Window().Menus());
+        EXPECT_EQ(names, "FileMenu SubFileMenu(0) MovesMenu SubMovesMenu(0) ededeeede vwewe3ee3 vw(0) cs3e3e cs(0) "
+                         "pnd edeeded pprom(0) hlp hpg ");
+    });
+}
+
 TEST_F(MainWindow, OpensTheHomePageAndShowsTheWelcomePanelUntilItsButtonIsReleased) {
     Play([&] {
         Choose(Game->Board.hpg);

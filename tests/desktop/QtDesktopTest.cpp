@@ -124,8 +124,8 @@ class QtDesktopTest : public testing::Test {
     Control Strip{ControlKind::Picture, "strip"};
     Control Button{ControlKind::Image, "button"};
     Control Caption{ControlKind::Label, "caption"};
-    MenuItem Moves{u"Moves"};
-    MenuItem Back{u"Back"};
+    MenuItem Moves{"moves", u"Moves"};
+    MenuItem Back{"back", u"Back"};
     Form Box{"box", FormBorder::None};
     std::vector<std::string> Log;
     bool NoteMoves = false;

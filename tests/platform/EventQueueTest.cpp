@@ -66,8 +66,8 @@ class EventQueueTest : public testing::Test {
     Form Dialog{"dialog", FormBorder::None};
     Control Box{ControlKind::Picture, "box"};
     Control Button{ControlKind::Image, "button"};
-    MenuItem Menu{u"Menu"};
-    MenuItem Item{u"Item", u"Ctrl+I"};
+    MenuItem Menu{"menu", u"Menu"};
+    MenuItem Item{"item", u"Item", u"Ctrl+I"};
     EventQueue Queue;
     std::vector<std::string> Log;
 };

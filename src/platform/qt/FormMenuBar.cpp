@@ -65,6 +65,7 @@ void FormMenuBar::Build(MenuItem& item, QWidget& parent) {
         for (MenuItem* child : item.Items()) Build(*child, *menu);
         action = menu->menuAction();
     }
+    action->setObjectName(QString::fromStdString(item.Name));
     Copy(item, *action);
     parent.addAction(action);
     actions_[&item] = action;
