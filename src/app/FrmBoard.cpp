@@ -14,10 +14,6 @@ constexpr TextView HomePage = u"https://www.quarnel-chess.example/";
 constexpr std::int16_t MostThreads = 8;
 constexpr std::size_t FirstVariationRows = 101;
 
-// The menu item that each toolbar button stands for.
-constexpr std::array<int, 6> ItemOfButton{BackToStartItem,  BackOneItem, ForwardOneItem,
-                                          ForwardToEndItem, MoveNowItem, StopItem};
-
 Text WelcomeText() {
     return u"  Quarnel Chess is a freeware, first released in 2009. You can play it versus computer with powerful and "
            u"quick artificial intelligence. "

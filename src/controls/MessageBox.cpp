@@ -1,6 +1,7 @@
 #include "controls/MessageBox.h"
 
 #include "base/Numbers.h"
+#include "controls/DialogColour.h"
 #include "platform/PictureSurface.h"
 
 #include <algorithm>
@@ -9,10 +10,6 @@
 namespace quarnel {
 
 namespace {
-
-constexpr double TwipsPerPixel = 15;
-constexpr const char16_t* ProgramTitle = u"Quarnel Chess";
-constexpr Colour Background = Rgb(206, 206, 206);
 
 // Pixels, as designed.
 constexpr double TitleHeight = 28;
@@ -23,11 +20,6 @@ constexpr double PromptTop = 42;
 
 constexpr double ToPixels(double twips) {
     return twips / TwipsPerPixel;
-}
-
-void Place(Control& control, double left, double top) {
-    control.Left = left;
-    control.Top = top;
 }
 
 // Gives `image` a picture of its own, in that picture's size.
@@ -70,18 +62,18 @@ FrmMsg::FrmMsg(Desktop& desktop)
 }
 
 void FrmMsg::LoadDesign() {
-    BackColor = Background;
+    BackColor = DialogColour;
     Announcement = Text();
     okHovered_ = false;
     Ok.Image = Ok_Static;
 
     img_Icon.Width = IconSize;
     img_Icon.Height = IconSize;
-    Place(img_Icon, 8, (TitleHeight - IconSize) / 2);
+    img_Icon.MoveTo(8, (TitleHeight - IconSize) / 2);
     img_Icon.Image = nullptr;
     Caption1.Font = Caption2.Font = FontChoice{u"Verdana", 8.25, false};
-    Place(Caption2, CaptionLeft, CaptionTop);
-    Place(Caption1, CaptionLeft + 1, CaptionTop + 1);
+    Caption2.MoveTo(CaptionLeft, CaptionTop);
+    Caption1.MoveTo(CaptionLeft + 1, CaptionTop + 1);
 
     lbl_Prompt.Font = FontChoice{u"Verdana", 12, true};
     lbl_Prompt.Top = PromptTop;
@@ -196,26 +188,26 @@ void ClsMain::LayOutSkin() {
     const double width = ToPixels(form_.OuterWidth);
     const double height = ToPixels(form_.OuterHeight);
     FrmMsg& f = form_;
-    Place(f.TitleLeft, 0, 0);
-    Place(f.Title, f.TitleLeft.Width, 0);
+    f.TitleLeft.MoveTo(0, 0);
+    f.Title.MoveTo(f.TitleLeft.Width, 0);
     f.Title.Width = width - f.TitleRight.Width;
-    Place(f.TitleRight, f.Title.Left + f.Title.Width, 0);
-    Place(f.CloseButton, f.TitleRight.Left - f.CloseButton.Width - ToPixels(2),
-          (f.Title.Height - f.CloseButton.Height) / 2);
-    Place(f.BLeft, 0, f.TitleLeft.Height);
+    f.TitleRight.MoveTo(f.Title.Left + f.Title.Width, 0);
+    f.CloseButton.MoveTo(f.TitleRight.Left - f.CloseButton.Width - ToPixels(2),
+                         (f.Title.Height - f.CloseButton.Height) / 2);
+    f.BLeft.MoveTo(0, f.TitleLeft.Height);
     f.BLeft.Height = height - f.TitleLeft.Height;
-    Place(f.BRight, width - f.BRight.Width, f.TitleRight.Height);
+    f.BRight.MoveTo(width - f.BRight.Width, f.TitleRight.Height);
     f.BRight.Height = f.BLeft.Height.Get();
-    Place(f.Bottom, f.BLeft.Width, height - f.Bottom.Height);
+    f.Bottom.MoveTo(f.BLeft.Width, height - f.Bottom.Height);
     f.Bottom.Width = width - f.BLeft.Width - f.BRight.Width;
-    Place(f.BottomLeft, 0, height - f.BottomLeft.Height);
-    Place(f.BottomRight, width - f.BottomRight.Width, height - f.BottomRight.Height);
+    f.BottomLeft.MoveTo(0, height - f.BottomLeft.Height);
+    f.BottomRight.MoveTo(width - f.BottomRight.Width, height - f.BottomRight.Height);
 }
 
 void ClsMain::PlaceButton() {
     const double width = ToPixels(form_.OuterWidth);
-    Place(form_.Ok, (width - form_.Ok.Width) / 2, form_.lbl_Prompt.Top + form_.lbl_Prompt.Height + ToPixels(250));
-    Place(form_.lbl_OK, (width - form_.lbl_OK.Width) / 2, form_.Ok.Top + ToPixels(55));
+    form_.Ok.MoveTo((width - form_.Ok.Width) / 2, form_.lbl_Prompt.Top + form_.lbl_Prompt.Height + ToPixels(250));
+    form_.lbl_OK.MoveTo((width - form_.lbl_OK.Width) / 2, form_.Ok.Top + ToPixels(55));
 }
 
 MessageBox::MessageBox(Desktop& desktop) : desktop_(desktop), form_(desktop) {
@@ -238,7 +230,7 @@ std::int32_t MessageBox::MsgBoxXP(Text message, const Text& title, std::int32_t 
     const bool known = iconNumber >= 1 && iconNumber <= 4;
     box.Title_Icon(known ? form_.Icons[static_cast<std::size_t>(iconNumber - 1)] : nullptr);
     if (usePicture) box.Title_Icon(picture);
-    box.BackColor(Background);
+    box.BackColor(DialogColour);
     box.Caption_Color(ColourWhite);
     box.Caption_Shadow_Color(ColourBlack);
     box.Yes_Button_Caption_Color(Rgb(0, 0, 255));

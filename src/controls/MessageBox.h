@@ -4,6 +4,7 @@
 // with one "OK" button exists. Program thread only; window events of all forms run while a box is open.
 #pragma once
 
+#include "base/ProgramTitle.h"
 #include "base/Truth.h"
 #include "platform/Desktop.h"
 
@@ -118,7 +119,7 @@ class MessageBox {
     /// Beeps, shows `message` and waits until the box is closed; the result is that of ShowMsg().
     /// Icons: 0 none, 1 critical, 2 exclamation, 3 information, 4 question; `picture` instead of one
     /// of them with `usePicture`.
-    std::int32_t MsgBoxXP(Text message, const Text& title = u"Quarnel Chess", std::int32_t type = 0,
+    std::int32_t MsgBoxXP(Text message, const Text& title = Text(ProgramTitle), std::int32_t type = 0,
                           std::int32_t iconNumber = 2, Truth usePicture = False, const PictureRef& picture = nullptr,
                           Colour textColour = ColourBlack);
 

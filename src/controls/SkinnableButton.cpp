@@ -1,6 +1,7 @@
 #include "controls/SkinnableButton.h"
 
 #include "base/Numbers.h"
+#include "controls/DialogColour.h"
 #include "platform/PictureSurface.h"
 
 #include <cmath>
@@ -43,8 +44,8 @@ ctrl_SkinableButton::ctrl_SkinableButton(std::string name, Text caption, bool en
     lbl_Caption.TextAlignment = Alignment::Centre;
     lbl_Caption.Height = 15;
     lbl_Caption.Caption = caption_;
-    box_.BackColor = Rgb(206, 206, 206);
-    pic_Button.BackColor = Rgb(206, 206, 206);
+    box_.BackColor = DialogColour;
+    pic_Button.BackColor = DialogColour;
     box_.Add(pic_Button);
     box_.Add(lbl_Caption);
     for (Control* part : {&pic_Button, &lbl_Caption}) {

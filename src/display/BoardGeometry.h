@@ -39,10 +39,18 @@ constexpr Square Mirrored(Square square, Truth flipped) {
     return flipped ? Square{9 - square.File, 9 - square.Row} : square;
 }
 
-/// The top-left corner of `square`, 41 x 41 pixels.
-constexpr PixelPoint SquareCorner(Square square, Truth flipped) {
-    const Square cell = Mirrored(square, flipped);
+/// The top-left corner of a cell, 41 x 41 pixels, and where the image of the piece in it begins.
+constexpr PixelPoint CellCorner(Square cell) {
     return {SquareOrigin + SquarePitch * (cell.File - 1), SquareOrigin + SquarePitch * (cell.Row - 1)};
+}
+constexpr PixelPoint PieceCorner(Square cell) {
+    return {(cell.File - 1) * SquarePitch + PieceLeft - PieceLeftTrim,
+            (cell.Row - 1) * SquarePitch + PieceTop - PieceTopTrim};
+}
+
+/// The top-left corner of the cell that shows `square`.
+constexpr PixelPoint SquareCorner(Square square, Truth flipped) {
+    return CellCorner(Mirrored(square, flipped));
 }
 
 /// The square at the frame pixel (x, y), rounded down to squares on all sides of the board.

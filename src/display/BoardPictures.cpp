@@ -7,7 +7,6 @@ namespace quarnel {
 
 namespace {
 
-constexpr int BoardPictureSize = 400;
 constexpr int FinishedFrameSize = 800;
 constexpr int MarkBorder = 4;
 

@@ -13,6 +13,9 @@
 
 namespace quarnel {
 
+inline constexpr Colour FrameColour = Rgb(89, 0, 0); ///< the board's border and what lies on it
+inline constexpr int BoardPictureSize = 400;         ///< width and height of all but buf(3) and the small ones
+
 struct BoardPictures {
     Surface Picture1;           ///< 400 x 400, the bare board; built once by ploca()
     std::array<Surface, 4> buf; ///< 0 composition, 1 scratch background of the loops, 2 the labelled bare

@@ -9,11 +9,9 @@ namespace quarnel {
 
 namespace {
 
-constexpr Colour FrameColour = Rgb(89, 0, 0);
 constexpr Colour LightSquare = Rgb(209, 160, 120);
 constexpr Colour DarkSquare = Rgb(131, 66, 38);
 constexpr Colour MateColour = Rgb(255, 0, 0);
-constexpr int BoardPictureSize = 400;
 
 char16_t LastCharacter(const Text& text) {
     return text.empty() ? u'\0' : text.back();
@@ -55,10 +53,11 @@ void BoardRenderer::LoadBoard_S() {
 void BoardRenderer::ploca() {
     pictures_.Picture1 = Surface(BoardPictureSize, BoardPictureSize, FrameColour);
     bool light = true;
-    for (int i = 0; i < 8; ++i) {
-        for (int j = 0; j < 8; ++j) {
+    for (int column = 1; column <= 8; ++column) {
+        for (int line = 1; line <= 8; ++line) {
             pictures_.pquad2.Fill(light ? LightSquare : DarkSquare);
-            BitBlt(pictures_.Picture1, 18 + 41 * i, 18 + 41 * j, PieceSize, PieceSize, pictures_.pquad2, 0, 0,
+            const PixelPoint corner = CellCorner({column, line});
+            BitBlt(pictures_.Picture1, corner.X, corner.Y, PieceSize, PieceSize, pictures_.pquad2, 0, 0,
                    RasterOp::SrcCopy);
             light = !light;
         }
@@ -77,8 +76,8 @@ void BoardRenderer::DrawCoordinates() {
                           pictures_.LabelFont, ColourWhite);
     };
     for (int k = 0; k < 8; ++k) {
-        draw(7, 32 + (7 - k) * 41, digits[static_cast<std::size_t>(k)]);
-        draw(35 + k * 41, 3, letters[static_cast<std::size_t>(k)]);
+        draw(7, 32 + (7 - k) * SquarePitch, digits[static_cast<std::size_t>(k)]);
+        draw(35 + k * SquarePitch, 3, letters[static_cast<std::size_t>(k)]);
     }
     SizeLike(buf[1], buf[0]);
     SizeLike(buf[2], buf[0]);
@@ -119,8 +118,8 @@ void BoardRenderer::DrawPieces(const Position& position, Truth hide) {
             const int piece = PieceAt(position, square.File, square.Row);
             if (piece == NoPiece) continue;
             if (hide && square == Square{controller_.SelFile, controller_.SelRow}) continue;
-            DrawPiece(pictures_, pictures_.buf[0], piece, (column - 1) * SquarePitch + PieceLeft - PieceLeftTrim,
-                      (line - 1) * SquarePitch + PieceTop - PieceTopTrim);
+            const PixelPoint corner = PieceCorner({column, line});
+            DrawPiece(pictures_, pictures_.buf[0], piece, corner.X, corner.Y);
         }
     }
 }

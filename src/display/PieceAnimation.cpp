@@ -71,7 +71,8 @@ void PieceAnimation::Bitmaps_LoadPieces() {
     BitBlt(masks, 0, 0, masks.Width(), masks.Height(), pictures_.o_ppic, 0, 0, RasterOp::SrcAnd);
     for (int i = 1; i <= 12; ++i) {
         const bool black = i > 6;
-        pictures_.PieceImagePos[static_cast<std::size_t>(i)] = {41 * (black ? i - 7 : i - 1), black ? 41 : 0};
+        pictures_.PieceImagePos[static_cast<std::size_t>(i)] = {PieceSize * (black ? i - 7 : i - 1),
+                                                                black ? PieceSize : 0};
     }
 }
 
@@ -91,15 +92,14 @@ void PieceAnimation::AnimateMove(const Position& position, MoveRec& move, Truth 
 // is over or has ended at a failure.
 bool PieceAnimation::Slide(const Position& position, MoveRec& move, Truth NoMarks) {
     if (state_.BoardFlipped && !TurnRound(move)) return true;
-    const auto imageX = [](int column) { return (column - 1) * SquarePitch + PieceLeft - PieceLeftTrim; };
-    const auto imageY = [](int line) { return (line - 1) * SquarePitch + PieceTop - PieceTopTrim; };
-    const Path path{static_cast<double>(imageX(move.FromFile)), static_cast<double>(imageY(move.FromRow)),
-                    static_cast<double>(imageX(move.ToFile) - imageX(move.FromFile)),
-                    static_cast<double>(imageY(move.ToRow) - imageY(move.FromRow))};
+    const PixelPoint from = PieceCorner({move.FromFile, move.FromRow});
+    const PixelPoint to = PieceCorner({move.ToFile, move.ToRow});
+    const Path path{static_cast<double>(from.X), static_cast<double>(from.Y), static_cast<double>(to.X - from.X),
+                    static_cast<double>(to.Y - from.Y)};
 
     // The background: the frame of the old position without the moving piece.
     auto& buf = pictures_.buf;
-    const PixelPoint corner = SquareCorner({move.FromFile, move.FromRow}, False);
+    const PixelPoint corner = CellCorner({move.FromFile, move.FromRow});
     renderer_.CopyPicture(buf[1], buf[2]);
     CopyRectangle(buf[0], buf[1], {corner.X, corner.Y, MarkSize, MarkSize});
     CopyRectangle(buf[1], buf[0], {0, 0, FrameWidth, FrameHeight});

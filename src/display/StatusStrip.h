@@ -1,6 +1,6 @@
 // The strip under the board that names the last move, and the two lights that tell whose turn it is.
 //
-// Plain controls with their designed looks; ZoomMenu lays them out, BoardRenderer::ShowMoveText() sets
+// Plain controls with their designed looks; ZoomMenu has them laid out, BoardRenderer::ShowMoveText() sets
 // them. Both lights off means that the game is over.
 #pragma once
 
@@ -15,6 +15,9 @@ struct StatusStrip {
 
     /// Puts the strip and the lights on `form`; they must outlive its use.
     void AddTo(Form& form);
+
+    /// Places the strip and the lights for the zoom `z`, in window pixels.
+    void LayOut(double z);
 
     Control crtkalica{ControlKind::Picture, "crtkalica"}; ///< the strip
     Control mdis{ControlKind::Label, "mdis"};             ///< its text

@@ -2,6 +2,8 @@
 
 #include "base/Numbers.h"
 #include "base/Step.h"
+#include "display/Toolbar.h"
+#include "platform/SavedSettings.h"
 
 #include <cmath>
 
@@ -9,17 +11,7 @@ namespace quarnel {
 
 namespace {
 
-constexpr const char16_t* Application = u"Quarnel Chess";
-constexpr const char16_t* Section = u"Settings";
-constexpr float TwipsPerPixel = 15;
 constexpr int LargestFont = 32767;
-
-void Place(Control& control, double left, double top, double width, double height) {
-    control.Left = left;
-    control.Top = top;
-    control.Width = width;
-    control.Height = height;
-}
 
 // Leaves the size as it is when there is no such font.
 void SetFontSize(Control& label, int points) {
@@ -60,7 +52,7 @@ void ZoomMenu::vw_Click(std::int16_t index) {
     for (MenuItem& item : vw) item.Checked = false;
     for (Control& button : controls_.poke) button.Stretch = true;
     Step(ElementAt(vw, index), [](MenuItem& item) { item.Checked = true; });
-    desktop_.WriteSetting(Application, Section, u"Wsize", ToText(index));
+    SaveSetting(desktop_, u"Wsize", ToText(index));
     if (index >= 0 && index <= 7) state_.Zoom = 0.75F + 0.25F * index;
     SetFontSize(status_.mdis, index + 7);
     if (index > 1) SetFontSize(status_.mdis, 2 * index + 7);
@@ -78,25 +70,17 @@ void ZoomMenu::vw_Click(std::int16_t index) {
 
 // Places the border's controls for the zoom `z`, in window pixels.
 void ZoomMenu::LayOut(double z) {
-    Place(controls_.Picture2, 25 * z, 347 * z, 128 * z, 16 * z);
+    PlaceToolbar(controls_.Picture2, z);
 
     const Size inner = desktop_.InnerSize(frmBoard_);
-    controls_.Picture1.Left = std::trunc((inner.Width - controls_.Picture1.Width) / 2) - 1;
-    controls_.Picture1.Top = std::trunc((inner.Height - controls_.Picture1.Height) / 2);
-
-    constexpr double ButtonLeft[] = {0, 16, 40, 56, 96, 112};
-    const double buttonTop = z == 1.5 || z == 2.0 || z == 2.5 ? -2 : -1;
-    for (std::size_t i = 0; i < controls_.poke.size(); ++i) {
-        Place(controls_.poke[i], ButtonLeft[i] * z, buttonTop, 16 * z, 16 * z);
-    }
-    Place(status_.Picture4[0], 349 * z, 328 * z, 9 * z, 9 * z);
-    Place(status_.Picture4[1], 349 * z, 32 * z, 9 * z, 9 * z);
-    Place(status_.crtkalica, 180 * z, 346 * z, 153 * z, 17 * z);
-    Place(status_.mdis, 0, 0, 153 * z, 17 * z);
+    controls_.Picture1.MoveTo(std::trunc((inner.Width - controls_.Picture1.Width) / 2) - 1,
+                              std::trunc((inner.Height - controls_.Picture1.Height) / 2));
+    PlaceButtons(controls_.poke, z);
+    status_.LayOut(z);
 }
 
 void ZoomMenu::ApplySavedZoom() {
-    const Text saved = desktop_.ReadSetting(Application, Section, u"WSize", u"1");
+    const Text saved = SavedSetting(desktop_, u"WSize", u"1");
     Step(ToInteger16(saved), [this](std::int16_t index) { vw_Click(index); });
 }
 

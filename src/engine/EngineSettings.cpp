@@ -2,6 +2,7 @@
 
 #include "base/Numbers.h"
 #include "base/Step.h"
+#include "platform/SavedSettings.h"
 
 namespace quarnel {
 
@@ -49,19 +50,18 @@ void EngineSettings::setlevel(std::int16_t index) {
 }
 
 void EngineSettings::SetSavedLevel() {
-    const Text saved = desktop_.ReadSetting(Text(ProgramTitle), Text(SettingsSection), u"Level", ToText(DesignedLevel));
+    const Text saved = SavedSetting(desktop_, u"Level", ToText(DesignedLevel));
     Step(ToInteger16(saved), [&](std::int16_t index) { setlevel(index); });
 }
 
 void EngineSettings::cs_Click(std::int16_t index) {
     setlevel(index);
-    desktop_.WriteSetting(Text(ProgramTitle), Text(SettingsSection), u"Level", ToText(index));
+    SaveSetting(desktop_, u"Level", ToText(index));
 }
 
 void EngineSettings::pnd_Click() {
     pnd.Checked = !pnd.Checked.Get();
-    const Text value = ToText(ToTruth(pnd.Checked.Get()));
-    desktop_.WriteSetting(Text(ProgramTitle), Text(SettingsSection), u"Ponder", value);
+    SaveSetting(desktop_, u"Ponder", ToText(ToTruth(pnd.Checked.Get())));
     pnd_C();
 }
 
@@ -82,7 +82,7 @@ void EngineSettings::UpdateClock() {
 }
 
 void EngineSettings::ApplyEngineOptions() {
-    const Text saved = desktop_.ReadSetting(Text(ProgramTitle), Text(SettingsSection), u"Ponder", u"0");
+    const Text saved = SavedSetting(desktop_, u"Ponder", u"0");
     Step(ToTruthValue(saved), [&](Truth value) { pnd.Checked = value != False; });
     pnd_C();
     PonderPending = True;

@@ -12,9 +12,6 @@
 
 namespace quarnel {
 
-inline constexpr TextView ProgramTitle = u"Quarnel Chess";
-inline constexpr TextView SettingsSection = u"Settings";
-
 class EngineSettings {
   public:
     EngineSettings(GameState& state, CommandQueue& commands, Desktop& desktop);

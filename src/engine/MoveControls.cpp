@@ -13,8 +13,6 @@ MoveControls::MoveControls() {
     SubMovesMenu[StopItem].Enabled = false;
 
     // A tooltip says the same as the menu item that the button stands for.
-    static constexpr std::array<MovesItem, 6> ItemOfButton{BackToStartItem,  BackOneItem, ForwardOneItem,
-                                                           ForwardToEndItem, MoveNowItem, StopItem};
     for (std::size_t i = 0; i < poke.size(); ++i) poke[i].ToolTip = SubMovesMenu[ItemOfButton[i]].Caption.Get();
 }
 

@@ -9,7 +9,7 @@
 
 namespace quarnel {
 
-/// Indexes of SubMovesMenu; of `poke` see MoveControls.
+/// Indexes of SubMovesMenu.
 enum MovesItem {
     BackOneItem = 0,
     ForwardOneItem,
@@ -19,6 +19,10 @@ enum MovesItem {
     MoveNowItem,
     StopItem
 };
+
+/// The menu item that each toolbar button stands for.
+inline constexpr std::array<MovesItem, 6> ItemOfButton{BackToStartItem,  BackOneItem, ForwardOneItem,
+                                                       ForwardToEndItem, MoveNowItem, StopItem};
 
 struct MoveControls {
     MenuItem MovesMenu{"MovesMenu", u"Moves"};
@@ -30,7 +34,7 @@ struct MoveControls {
                                           {"SubMovesMenu(5)", u"Move now", u"Ctrl+M"},
                                           {"SubMovesMenu(6)", u"Stop thinking", u"Ctrl+H"}}};
 
-    /// Toolbar: back to start, back, forward, forward to end, move now, stop thinking.
+    /// The toolbar's buttons.
     std::array<Control, 6> poke{{{ControlKind::Image, "poke(0)"},
                                  {ControlKind::Image, "poke(1)"},
                                  {ControlKind::Image, "poke(2)"},

@@ -16,6 +16,17 @@ void Control::Add(Control& child) {
     Changed();
 }
 
+void Control::MoveTo(double left, double top) {
+    Left = left;
+    Top = top;
+}
+
+void Control::Place(double left, double top, double width, double height) {
+    MoveTo(left, top);
+    Width = width;
+    Height = height;
+}
+
 bool Control::IsShown() const {
     for (const Control* control = this; control->Kind != ControlKind::Form; control = control->parent_) {
         if (!control->Visible.Get() || control->parent_ == nullptr) return false;

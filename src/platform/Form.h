@@ -1,7 +1,7 @@
 // Forms as plain data: windows, controls and menus that a back end shows and a test can click.
 //
 // Start at Form. Lengths inside a form are pixels at 96 dots an inch and may be fractional; the back
-// end rounds them once. A form's own outer size is in twips, 15 a pixel. Changing a property tells the
+// end rounds them once. A form's own outer size is in twips. Changing a property tells the
 // form's observer (the back end) at once; reading one never asks the screen, so visibility, enabling
 // and check marks are the program's own whether a window is shown or not. Program thread only.
 // Controls and menu items are neither copied nor moved: their address is their identity.
@@ -83,6 +83,9 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
+/// Forms are measured in twips from outside.
+inline constexpr int TwipsPerPixel = 15;
+
 /// Left and top included, right and bottom excluded.
 struct Rectangle {
     int Left = 0;
@@ -124,6 +127,9 @@ class Control : public Element {
 
     /// Adds `child` on top of those added before. It is not owned and must outlive this control's use.
     void Add(Control& child);
+
+    void MoveTo(double left, double top);
+    void Place(double left, double top, double width, double height);
 
     const ControlKind Kind;
     const std::string Name;

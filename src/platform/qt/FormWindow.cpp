@@ -16,8 +16,6 @@ namespace quarnel {
 
 namespace {
 
-constexpr double TwipsPerPixel = 15;
-
 QIcon WindowIcon() {
     QIcon icon;
     for (const int size : {16, 24, 32, 48, 64}) {

@@ -10,8 +10,6 @@ namespace quarnel {
 
 namespace {
 
-constexpr double TwipsPerPixel = 15;
-
 // Every character is as wide as half its height, which is enough to lay things out.
 Size CharacterSize(const FontChoice& font) {
     const int height = RoundHalfEven(font.Points * 96 / 72);
