@@ -134,6 +134,12 @@ void FrmMsg::CutOutline() {
     desktop_.ShapeForm(*this, outline);
 }
 
+ClsMain::ClsMain(FrmMsg& form, Desktop& desktop)
+    : Title_Icon(form.img_Icon.Image), BackColor(form.BackColor), Prompt_Color(form.lbl_Prompt.ForeColor),
+      Caption_Color(form.Caption2.ForeColor), Caption_Shadow_Color(form.Caption1.ForeColor),
+      Ok_Button_Caption_Color(form.lbl_OK.ForeColor), Yes_Button_Caption_Color(form.lbl_OK.ForeColor),
+      No_Button_Caption_color(form.lbl_No.ForeColor), form_(form), desktop_(desktop) {}
+
 void ClsMain::Caption(const Text& caption) {
     form_.Caption = caption;
     for (Control* label : {&form_.Caption2, &form_.Caption1}) {
@@ -226,16 +232,16 @@ std::int32_t MessageBox::MsgBoxXP(Text message, const Text& title, std::int32_t 
     ClsMain box(form_, desktop_);
     box.Prompt(message);
     box.Caption(title.empty() ? Text(ProgramTitle) : title);
-    box.Buttons(type);
+    box.Buttons = static_cast<std::uint8_t>(type);
     const bool known = iconNumber >= 1 && iconNumber <= 4;
-    box.Title_Icon(known ? form_.Icons[static_cast<std::size_t>(iconNumber - 1)] : nullptr);
-    if (usePicture) box.Title_Icon(picture);
-    box.BackColor(DialogColour);
-    box.Caption_Color(ColourWhite);
-    box.Caption_Shadow_Color(ColourBlack);
-    box.Yes_Button_Caption_Color(Rgb(0, 0, 255));
-    box.No_Button_Caption_color(ColourBlack);
-    box.Prompt_Color(textColour);
+    box.Title_Icon = known ? form_.Icons[static_cast<std::size_t>(iconNumber - 1)] : nullptr;
+    if (usePicture) box.Title_Icon = picture;
+    box.BackColor = DialogColour;
+    box.Caption_Color = ColourWhite;
+    box.Caption_Shadow_Color = ColourBlack;
+    box.Yes_Button_Caption_Color = Rgb(0, 0, 255);
+    box.No_Button_Caption_color = ColourBlack;
+    box.Prompt_Color = textColour;
     const std::int32_t result = box.ShowMsg();
     form_.IsMsgBox = False;
     return result;

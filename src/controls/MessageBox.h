@@ -63,35 +63,25 @@ class FrmMsg : public Form {
     bool okHovered_ = false;
 };
 
-/// One box: its properties go straight to the dialog window.
+/// One box. Its properties are read and written in the dialog window itself.
 class ClsMain {
   public:
-    ClsMain(FrmMsg& form, Desktop& desktop) : form_(form), desktop_(desktop) {}
+    ClsMain(FrmMsg& form, Desktop& desktop);
 
     void Caption(const Text& caption);
     Text Caption() const { return form_.Caption2.Caption; }
     void Prompt(const Text& prompt);
     Text Prompt() const { return form_.lbl_Prompt.Caption; }
-    void Buttons(std::int32_t layout) { buttons_ = static_cast<std::uint8_t>(layout); }
-    std::int32_t Buttons() const { return buttons_; }
-    void Icon(std::int32_t number) { icon_ = static_cast<std::uint8_t>(number); }
-    std::int32_t Icon() const { return icon_; }
-    void Title_Icon(const PictureRef& picture) { form_.img_Icon.Image = picture; }
-    PictureRef Title_Icon() const { return form_.img_Icon.Image; }
-    void BackColor(Colour colour) { form_.BackColor = colour; }
-    Colour BackColor() const { return form_.BackColor; }
-    void Prompt_Color(Colour colour) { form_.lbl_Prompt.ForeColor = colour; }
-    Colour Prompt_Color() const { return form_.lbl_Prompt.ForeColor; }
-    void Caption_Color(Colour colour) { form_.Caption2.ForeColor = colour; }
-    Colour Caption_Color() const { return form_.Caption2.ForeColor; }
-    void Caption_Shadow_Color(Colour colour) { form_.Caption1.ForeColor = colour; }
-    Colour Caption_Shadow_Color() const { return form_.Caption1.ForeColor; }
-    void Ok_Button_Caption_Color(Colour colour) { form_.lbl_OK.ForeColor = colour; }
-    Colour Ok_Button_Caption_Color() const { return form_.lbl_OK.ForeColor; }
-    void Yes_Button_Caption_Color(Colour colour) { form_.lbl_OK.ForeColor = colour; }
-    Colour Yes_Button_Caption_Color() const { return form_.lbl_OK.ForeColor; }
-    void No_Button_Caption_color(Colour colour) { form_.lbl_No.ForeColor = colour; }
-    Colour No_Button_Caption_color() const { return form_.lbl_No.ForeColor; }
+    std::uint8_t Buttons = 0; ///< the layout
+    std::uint8_t Icon = 3;    ///< kept only
+    Property<PictureRef>& Title_Icon;
+    Property<Colour>& BackColor;
+    Property<Colour>& Prompt_Color;
+    Property<Colour>& Caption_Color;
+    Property<Colour>& Caption_Shadow_Color;
+    Property<Colour>& Ok_Button_Caption_Color;
+    Property<Colour>& Yes_Button_Caption_Color;
+    Property<Colour>& No_Button_Caption_color;
 
     /// Shows the dialog as prepared and waits until it is closed: 6 for the first button, 7 second, 2 third,
     /// 0 when none was ever pressed.
@@ -104,8 +94,6 @@ class ClsMain {
 
     FrmMsg& form_;
     Desktop& desktop_;
-    std::uint8_t buttons_ = 0;
-    std::uint8_t icon_ = 3;
 };
 
 class MessageBox {

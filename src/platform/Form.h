@@ -187,7 +187,6 @@ class MenuItem : public Element {
 
     bool IsSeparator() const { return Caption.Get() == u"-"; }
     const std::vector<MenuItem*>& Items() const { return items_; }
-    MenuItem* Parent() const { return parent_; }
 
     /// Enabled and visible, and so are the menus it stands in: a click or its shortcut reaches it.
     bool IsReachable() const;
