@@ -22,7 +22,7 @@ class Player {
         while (Game.State.PlyNow < plies) PlayKnights();
     }
 
-    void Step(NavigationCode code) { Game.Panel.MoveTAB(code, False); }
+    void Step(NavigationCode code) { Game.Steps.MoveTAB(code, False); }
 
     ScriptedDesktop screen_;
     Program Game{screen_};

@@ -1,7 +1,7 @@
 // The main window as it was designed: its form, the menus and the controls that belong to no module.
 //
 // Menus and controls that a module drives stand beside that module (MoveControls, EngineSettings,
-// ZoomMenu, StatusStrip); FrmBoard puts them all together.
+// ZoomMenu, StatusStrip); MenuCommands puts the menus together.
 #pragma once
 
 #include "controls/SkinnableButton.h"

@@ -4,8 +4,11 @@
 // references and never reach each other through here. Program thread only.
 #pragma once
 
+#include "app/BoardMouse.h"
 #include "app/FrmBoard.h"
+#include "app/MenuCommands.h"
 #include "display/BoardDescription.h"
+#include "game/EngineOutput.h"
 
 namespace quarnel {
 
@@ -38,7 +41,8 @@ class Program {
     CommandQueue Commands;
     EngineSettings Settings{State, Commands, Screen};
     EngineControl Control{State, Commands, Settings, Board.Moves, Library};
-    EngineBridge Bridge{Library, Commands, Board.Moves, Screen};
+    EngineBridge Bridge{Library, Commands, Board.Moves, Screen,
+                        [this](std::int32_t length) { Output.OutputCallback(length); }};
 
     // The board's picture.
     BoardRenderer Renderer{State, Controller, Pictures, Board.Status, Board.Window, Screen};
@@ -49,14 +53,17 @@ class Program {
     // The game.
     notation::MoveTextReader Reader{Library};
     MoveRecorder Recorder{State, Library, Reader, Renderer};
-    CtrlPanel Panel{{State, Controller, Pictures, Board.Status, Screen, Library, Commands, Settings, Control, Reader,
-                     Recorder, Renderer, Animation, Zoom}};
-    ComputerMove Computer{State, Controller, Library, Control, Reader, Recorder, Animation, Renderer, Messages};
-    GameFiles Files{State, Panel, Renderer, Messages, Board.Window, Screen};
+    MoveInput Input{State, Controller, Board.Status, Library, Control, Recorder, Renderer, Animation};
+    Navigation Steps{State, Controller, Library, Control, Reader, Renderer, Animation, Screen};
+    CtrlPanel Panel{State, Controller, Pictures, Control, Renderer, Animation, Zoom};
+    ComputerMove Computer{State, Controller, Library, Reader, Recorder, Animation, Renderer};
+    EngineOutput Output{State, Library, Control, Computer, Messages};
+    GameFiles Files{State, Panel, Steps, Renderer, Messages, Board.Window, Screen};
 
-    // The main window's procedures.
-    FrmBoard MainWindow{
-        {State, Controller, Screen, Board, Library, Bridge, Settings, Control, Zoom, Renderer, Computer, Panel, Files}};
+    // The main window's procedures. The menus come first: the window is as high as they make it.
+    MenuCommands Menus{Board, Zoom, Settings, Panel, Steps, Files, Controller, Screen};
+    BoardMouse Mouse{Board.Window, State, Controller, Renderer, Input};
+    FrmBoard MainWindow{Screen, Board, Library, Bridge, Settings, Control, Zoom, Panel};
 };
 
 } // namespace quarnel

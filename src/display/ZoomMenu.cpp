@@ -34,9 +34,7 @@ ZoomMenu::ZoomMenu(GameState& state, BoardRenderer& renderer, StatusStrip& statu
           {"vw(6)", u"225 %"},
           {"vw(7)", u"250 %"}}},
       state_(state), renderer_(renderer), status_(status), controls_(controls), frmBoard_(frmBoard), desktop_(desktop) {
-    for (std::size_t i = 0; i < vw.size(); ++i) {
-        vw[i].OnClick = [this, i] { vw_Click(static_cast<std::int16_t>(i)); };
-    }
+    ConnectEach(vw, [this](int index) { vw_Click(static_cast<std::int16_t>(index)); });
 }
 
 void ZoomMenu::MeasureWindow() {

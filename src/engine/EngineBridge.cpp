@@ -2,15 +2,12 @@
 
 #include "base/Step.h"
 
-#include <utility>
-
 namespace quarnel {
 
 EngineBridge* EngineBridge::running_ = nullptr;
 
-void EngineBridge::Run(std::function<void(std::int32_t)> output) {
+void EngineBridge::Run() {
     if (library_.EngineLib == 0) return;
-    output_ = std::move(output);
     struct Running {
         explicit Running(EngineBridge* bridge) { running_ = bridge; }
         ~Running() { running_ = nullptr; }

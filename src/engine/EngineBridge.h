@@ -9,17 +9,19 @@
 #include "engine/MoveControls.h"
 
 #include <functional>
+#include <utility>
 
 namespace quarnel {
 
 class EngineBridge {
   public:
-    EngineBridge(EngineLibrary& library, CommandQueue& commands, const MoveControls& controls, Desktop& desktop)
-        : library_(library), commands_(commands), controls_(controls), desktop_(desktop) {}
+    /// `output` hears the length of every text that the engine announces.
+    EngineBridge(EngineLibrary& library, CommandQueue& commands, const MoveControls& controls, Desktop& desktop,
+                 std::function<void(std::int32_t)> output)
+        : library_(library), commands_(commands), controls_(controls), desktop_(desktop), output_(std::move(output)) {}
 
-    /// Starts the engine if the library is there and returns when the engine does. `output` hears the
-    /// length of every text that the engine announces.
-    void Run(std::function<void(std::int32_t)> output);
+    /// Starts the engine if the library is there and returns when the engine does.
+    void Run();
 
     /// Lets window events run and hands over at most one command line. Sleeps until a window event
     /// comes when the engine allows it (`wait` nonzero) and the program is idle.

@@ -13,6 +13,13 @@ void EngineControl::StartEngineMove() {
     SetThinkingState();
 }
 
+void EngineControl::SendUserMove(TextView san) {
+    settings_.UpdateClock();
+    SendPositionIfStale();
+    commands_.SendCommand(san);
+    SetThinkingState();
+}
+
 void EngineControl::SendNewGame() {
     AbandonSearch();
     commands_.SendCommand(u"new");

@@ -1,6 +1,6 @@
 // What the program asks of the engine, and the thinking and idle states that follow from it.
 //
-// A search ends only with the engine's move line (game/ComputerMove): stopping it, or abandoning it
+// A search ends only with the engine's move line (game/EngineOutput): stopping it, or abandoning it
 // for a new game or another position, leaves the thinking state until that line has come.
 // Program thread only.
 #pragma once
@@ -21,6 +21,8 @@ class EngineControl {
 
     /// Lets the engine move for the side to move, unless that side has no legal move.
     void StartEngineMove();
+    /// Sends the user's move `san`, to be played in CurPos; the engine then thinks about its answer.
+    void SendUserMove(TextView san);
     /// "new" and the saved strength. A running search is abandoned.
     void SendNewGame();
     /// Stops the running search; its move is still awaited. Once a search.
@@ -29,13 +31,12 @@ class EngineControl {
     void MarkResync();
     /// Sends `position`, its side to move and the ply number. A running search is abandoned.
     void SendPosition(const Position& position);
-    /// Sends CurPos if the engine's board no longer matches.
-    void SendPositionIfStale();
 
     void SetThinkingState();
     void SetIdleState();
 
   private:
+    void SendPositionIfStale();
     void AbandonSearch();
 
     GameState& state_;

@@ -34,6 +34,8 @@ EngineSettings::EngineSettings(GameState& state, CommandQueue& commands, Desktop
     for (MenuItem& item : cs) StrengthSubmenu.Add(item);
     cs[DesignedLevel].Checked = true;
     pnd.Checked = true;
+    ConnectEach(cs, [this](int index) { cs_Click(static_cast<std::int16_t>(index)); });
+    pnd.OnClick = [this] { pnd_Click(); };
 }
 
 void EngineSettings::setlevel(std::int16_t index) {

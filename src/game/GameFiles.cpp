@@ -109,7 +109,7 @@ void GameFiles::LoadGame() {
         return;
     }
     if (inSequence) {
-        panel_.MoveTAB(ToEnd, False);
+        steps_.MoveTAB(ToEnd, False);
     } else {
         EndWith(u"File corrupted. Illegal move");
     }

@@ -6,6 +6,7 @@
 
 #include "controls/MessageBox.h"
 #include "game/CtrlPanel.h"
+#include "game/Navigation.h"
 
 #include <filesystem>
 #include <fstream>
@@ -15,9 +16,9 @@ namespace quarnel {
 
 class GameFiles {
   public:
-    GameFiles(GameState& state, CtrlPanel& panel, BoardRenderer& renderer, MessageBox& messages, Form& frmBoard,
-              Desktop& desktop)
-        : state_(state), panel_(panel), renderer_(renderer), messages_(messages), frmBoard_(frmBoard),
+    GameFiles(GameState& state, CtrlPanel& panel, Navigation& steps, BoardRenderer& renderer, MessageBox& messages,
+              Form& frmBoard, Desktop& desktop)
+        : state_(state), panel_(panel), steps_(steps), renderer_(renderer), messages_(messages), frmBoard_(frmBoard),
           desktop_(desktop) {}
 
     /// Writes the plies up to PlyNow. On a failure the file may be left partly written.
@@ -44,6 +45,7 @@ class GameFiles {
 
     GameState& state_;
     CtrlPanel& panel_;
+    Navigation& steps_;
     BoardRenderer& renderer_;
     MessageBox& messages_;
     Form& frmBoard_;

@@ -200,6 +200,14 @@ class MenuItem : public Element {
     std::vector<MenuItem*> items_;
 };
 
+/// Gives each of `items`, menu items or controls, the handler `click` with its index.
+template <class Items, class Click>
+void ConnectEach(Items& items, Click click) {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        items[i].OnClick = [click, i] { click(static_cast<int>(i)); };
+    }
+}
+
 /// Something a screen reader can find in a form besides its controls and menus, such as a board square.
 struct AccessibleItem {
     Text Name;

@@ -86,10 +86,10 @@ TEST_F(MainWindow, ADamagedZoomKeepsTheDesignedWindowAndIndexesOutsideTheirTable
     Play([&] {
         EXPECT_EQ(Screen.InnerSize(Window()), (Size{361, 362}));
         for (const MenuItem& item : Game->Zoom.vw) EXPECT_FALSE(item.Checked);
-        Game->MainWindow.poke_Click(6);
-        Game->MainWindow.poke_Click(-1);
-        Game->MainWindow.SubFileMenu_Click(2);
-        Game->MainWindow.SubMovesMenu_Click(MovesSeparator);
+        Game->Menus.poke_Click(6);
+        Game->Menus.poke_Click(-1);
+        Game->Menus.SubFileMenu_Click(2);
+        Game->Menus.SubMovesMenu_Click(MovesSeparator);
         EXPECT_THAT(Engine.Pull(), testing::IsEmpty());
         EXPECT_EQ(Game->Board.Moves.poke[4].Left, 96);
         Screen.Click(Game->Board.Moves.poke[4]);

@@ -233,7 +233,7 @@ TEST_F(GameRecords, RoundTripWithEveryPosition) {
             ASSERT_EQ(Save("second"), "");
             ASSERT_EQ(ReadFile("first"), ReadFile("second"));
             for (std::size_t ply = 0; ply < positions.size(); ++ply) {
-                State().CurPos = Game->Panel.ReplayToPly(static_cast<int>(ply), False, False);
+                State().CurPos = Game->Steps.ReplayToPly(static_cast<int>(ply), False, False);
                 ASSERT_EQ(Fen(), positions[ply]) << "game " << game << ", ply " << ply;
             }
         }
