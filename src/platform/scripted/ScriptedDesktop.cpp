@@ -215,7 +215,7 @@ void ScriptedDesktop::DrawText(Surface& target, int x, int y, const Text& text, 
 std::optional<std::filesystem::path> ScriptedDesktop::AnswerDialog(const char* kind, const Text& title) {
     Note(std::string(kind) + ToUtf8(title));
     if (DialogAnswers.empty()) return std::nullopt;
-    const auto answer = DialogAnswers.front();
+    auto answer = DialogAnswers.front();
     DialogAnswers.pop_front();
     return answer;
 }
