@@ -1,7 +1,7 @@
 // The numbers of the search, one line of reason each.
 //
-// Depths and reductions are plies, values and margins centipawns, history scores what HistoryCounter holds. All were
-// found by playing; where two work together the pair was. Change them by match, not by taste.
+// Depths and reductions are plies, values and margins centipawns. A history score is what MovePicker orders quiet moves
+// by: twice the move's own counter and those of three continuations, 65,536 to either side at most.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +10,17 @@ namespace quarnel::engine::margins {
 
 // --- Stopping and iterations ----------------------------------------------------------------------
 
-constexpr std::uint64_t StopCheckNodes = 512; // a power of two; asking the clock at every node would cost a tenth
-constexpr std::uint64_t FirstIterationNodes =
-    20000;                                // so much is looked at before a stop, to have a move that was searched
-constexpr int OnlyMoveDepth = 4;          // an only move needs no more thought than an expected answer does
-constexpr int AspirationDepth = 5;        // before, values jump too much from one iteration to the next
-constexpr int AspirationWindowCp = 14;    // half the first window: about what an iteration changes
-constexpr int WidestAspirationCp = 600;   // beyond, something happened that no window foresaw
-constexpr int MostFailHighReductions = 2; // a root move that fails high is confirmed a little shallower
+constexpr std::uint64_t StopCheckNodes = 512;        // a power of two; the clock is too slow to be asked at every node
+constexpr std::uint64_t FirstIterationNodes = 20000; // looked at before a stop, to have a move that was searched
+constexpr int OnlyMoveDepth = 4;                     // an only move needs no more thought than an expected answer does
+constexpr int AspirationDepth = 5;                   // before, values jump too much between iterations
+constexpr int AspirationWindowCp = 14;               // to either side: about what an iteration changes
+constexpr int WidestAspirationCp = 600;              // beyond, something happened that no window foresaw
+constexpr int MostFailHighReductions = 2;            // a root move that fails high is confirmed a little shallower
 
 // --- Table ----------------------------------------------------------------------------------------
 
-constexpr int TableCutMaxClock = 90; // half-moves without progress; near a hundred the table does not know of the draw
+constexpr int TableCutMaxClock = 90; // plies without progress; near a hundred the table does not know of the draw
 
 // --- Cuts without a move --------------------------------------------------------------------------
 
@@ -40,7 +39,7 @@ constexpr int NullMoveDepthDivisor = 3;      // and one more for every three
 constexpr int NullMoveEvalDivisorCp = 180;   // and one more for each such lead,
 constexpr int NullMoveMostEvalReduction = 3; // as long as it is no fluke
 constexpr int NullMoveVerifyDepth = 14;      // from here on a wrong pass costs more than a second look
-constexpr int NullMoveVerifyQuarters = 3;    // of the reduced depth, in quarters: the plies that may not pass then
+constexpr int NullMoveVerifyQuarters = 3;    // of the reduced depth, in quarters: plies that may not pass then
 
 constexpr int CaptureProbeMinDepth = 5;     // so that there is a search left below the probe
 constexpr int CaptureProbeMarginCp = 190;   // above beta: what the reduced search may be wrong by
@@ -54,16 +53,15 @@ constexpr int InternalReductionMinDepth = 4; // without a known move a shallower
 
 // --- Moves left out -------------------------------------------------------------------------------
 
-constexpr int LateMoveBase =
-    4; // quiet moves looked at: this and the square of the depth, half of it when not improving
+constexpr int LateMoveBase = 4; // quiet moves looked at: this and depth squared, half of it when not improving
 
 constexpr int FutilityMaxDepth = 8;    // depth after reduction
 constexpr int FutilityBaseCp = 90;     // what a quiet move gains at best at once
 constexpr int FutilityPerDepthCp = 85; // and in each ply that follows
 
 constexpr int HistoryPruningMaxDepth = 4;     // depth after reduction
-constexpr int HistoryPruningBase = -3000;     // history score of moves that have mostly failed,
-constexpr int HistoryPruningPerDepth = -4000; // and must have failed more often where more depth is at stake
+constexpr int HistoryPruningBase = -4000;     // history score of moves that have mostly failed,
+constexpr int HistoryPruningPerDepth = -5300; // and must have failed more often where more depth is at stake
 
 constexpr int QuietExchangeMaxDepth = 8;      // depth after reduction
 constexpr int QuietExchangePerDepth2Cp = -24; // times depth squared: what a quiet move may lose on its square
@@ -83,20 +81,20 @@ constexpr int ExtensionPlyFactor = 2;         // no extension beyond this many t
 
 // --- Reductions -----------------------------------------------------------------------------------
 
-constexpr int ReductionMinDepth = 2;          // below, there is nothing to save
-constexpr double QuietReductionBase = 0.9;    // plies: base + log(depth) * log(number) / divisor
-constexpr double QuietReductionDivisor = 2.1; //
-constexpr double NoisyReductionBase = 0.2;    // captures are fewer and more to the point
-constexpr double NoisyReductionDivisor = 3.6;
-constexpr int HistoryReductionDivisor = 9000; // history score worth a ply
-constexpr int DeeperAgainCp = 60;             // better than the best by so much: a ply more the second time
-constexpr int ShallowerAgainCp = 8;           // hardly better: a ply less
+constexpr int ReductionMinDepth = 2;           // below, there is nothing to save
+constexpr double QuietReductionBase = 0.9;     // plies: base + log(depth) * log(number) / divisor
+constexpr double QuietReductionDivisor = 2.1;  // three plies for the tenth move at depth ten
+constexpr double NoisyReductionBase = 0.2;     // captures are fewer and more to the point,
+constexpr double NoisyReductionDivisor = 3.6;  // and reduced less
+constexpr int HistoryReductionDivisor = 12000; // history score worth a ply
+constexpr int DeeperAgainCp = 60;              // better than the best by so much: a ply more the second time
+constexpr int ShallowerAgainCp = 8;            // hardly better: a ply less
 
 // --- Learning -------------------------------------------------------------------------------------
 
 constexpr int HistoryBonusPerDepth2 = 14; // a cut deep down says more,
-constexpr int HistoryBonusPerDepth = 90;
-constexpr int HistoryBonusMost = 1700; // but no single one decides
+constexpr int HistoryBonusPerDepth = 90;  // one near the leaves a little,
+constexpr int HistoryBonusMost = 1700;    // and no single one decides
 
 // --- Quiescence -----------------------------------------------------------------------------------
 

@@ -20,6 +20,9 @@ class MovePicker {
 
     /// The next move, or no move at the end.
     Move Next();
+    /// History score of the quiet move handed out last, what it was ordered by; 0 for the table's move and killers,
+    /// which are not ordered by it.
+    int QuietScore() const { return stage_ == Stage::Quiets ? scores_[current_ - 1] : 0; }
     /// From now on only noisy moves.
     void SkipQuiets() { skipQuiets_ = true; }
 

@@ -104,12 +104,6 @@ void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply)
     state.Answers = &history_.After(board.At(move.From()), move.To());
 }
 
-int SearchWorker::QuietScore(const Board& board, Move move, int ply) {
-    const Piece piece = board.At(move.From());
-    return 2 * history_.Quiet(board.SideToMove(), move).Value() + (*At(ply - 1).Answers)[piece][move.To()].Value() +
-           (*At(ply - 2).Answers)[piece][move.To()].Value();
-}
-
 void SearchWorker::UpdateLine(int ply, Move move) {
     PlyState& state = At(ply);
     const PlyState& next = At(ply + 1);
@@ -289,8 +283,11 @@ int SearchWorker::SearchMoves(Node& node) {
         if (IsLeftOut(node, move, progress)) continue;
         ++progress.Count;
         const bool noisy = board.IsNoisy(move);
-        NodeMove candidate{move, noisy, noisy ? 0 : QuietScore(board, move, node.Ply)};
-        if (IsPruned(node, candidate, progress)) continue;
+        NodeMove candidate{move, noisy, noisy ? 0 : picker.QuietScore()};
+        if (MayPrune(node, progress)) {
+            if (IsLate(node, progress)) picker.SkipQuiets();
+            if (IsPruned(node, candidate, progress)) continue;
+        }
 
         state.Extensions = extensionsBefore;
         if (const std::optional<int> value = ExtendSingular(node, candidate)) return *value;
@@ -325,22 +322,31 @@ bool SearchWorker::IsLeftOut(const Node& node, Move move, Progress& progress) co
     return true;
 }
 
-/// Not worth a search, now that another move avoids mate at least.
+/// Another move avoids mate at least, and there are pieces to do something with.
+bool SearchWorker::MayPrune(const Node& node, const Progress& progress) {
+    return !node.IsRoot && progress.BestValue > -MateInMaxPly && node.Position.HasPieces(node.Position.SideToMove());
+}
+
+/// So many moves of a node that is not doing well have been tried that the quiet ones left are not even generated,
+/// checks among them.
+bool SearchWorker::IsLate(const Node& node, const Progress& progress) {
+    return progress.Count >= (margins::LateMoveBase + node.Depth * node.Depth) / (node.IsImproving ? 1 : 2);
+}
+
+/// Not worth a search.
 bool SearchWorker::IsPruned(const Node& node, const NodeMove& candidate, const Progress& progress) const {
     using namespace margins;
     const Board& board = node.Position;
     const int depth = node.Depth;
-    if (node.IsRoot || progress.BestValue <= -MateInMaxPly || !board.HasPieces(board.SideToMove())) return false;
     if (candidate.IsNoisy)
         return depth <= NoisyExchangeMaxDepth &&
                !board.ExchangeGains(candidate.Played, NoisyExchangePerDepthCp * depth);
 
-    // Late quiet moves of a node that is not doing well; but a check may be mate.
     const int reduced = std::max(depth - Reductions.Of(false, depth, progress.Count), 0);
-    const bool isLate = progress.Count > (LateMoveBase + depth * depth) / (node.IsImproving ? 1 : 2);
     const bool isFutile = !node.InCheck && reduced <= FutilityMaxDepth &&
                           At(node.Ply).StaticEval + FutilityBaseCp + FutilityPerDepthCp * reduced <= node.Alpha;
-    if ((isLate || isFutile) && !board.GivesCheck(candidate.Played)) return true;
+    // A check may be mate.
+    if (isFutile && !board.GivesCheck(candidate.Played)) return true;
     if (reduced <= HistoryPruningMaxDepth &&
         candidate.QuietScore < HistoryPruningPerDepth * reduced + HistoryPruningBase)
         return true;

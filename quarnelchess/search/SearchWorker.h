@@ -132,6 +132,8 @@ class SearchWorker {
     std::optional<int> ProbeCaptures(const Node& node);
     int SearchMoves(Node& node);
     bool IsLeftOut(const Node& node, Move move, Progress& progress) const;
+    static bool MayPrune(const Node& node, const Progress& progress);
+    static bool IsLate(const Node& node, const Progress& progress);
     bool IsPruned(const Node& node, const NodeMove& candidate, const Progress& progress) const;
     std::optional<int> ExtendSingular(const Node& node, NodeMove& candidate);
     void ExtendCheck(const Node& node, const Board& next, NodeMove& candidate) const;
@@ -150,7 +152,6 @@ class SearchWorker {
     bool IsDraw(const Board& board, int ply) const;
     int CorrectedEval(const Board& board, int rawEval) const;
     void PlayInto(Board& next, const Board& board, Move move, int ply);
-    int QuietScore(const Board& board, Move move, int ply);
     void UpdateLine(int ply, Move move);
     void CorrectEval(const Node& node, const Progress& progress, Bound bound);
     void RewardCutoff(const Node& node, const Progress& progress);

@@ -82,7 +82,7 @@ TEST(Handicap, EveryLevelBeatsTheOneBelowAndTheLowestIsABeginner) {
         double Least; // of the points
         double Most;
     } cases[] = {{10, Beginner(random, false), 30, 0.9, 1}, {10, Beginner(random, true), 30, 0.2, 0.85},
-                 {20, Engine(weak, 10), 10, 0.6, 1},        {30, Engine(weak, 20), 10, 0.6, 1},
+                 {20, Engine(weak, 10), 10, 0.6, 1},        {30, Engine(weak, 20), 30, 0.6, 1},
                  {50, Engine(weak, 30), 10, 0.6, 1},        {75, Engine(weak, 50), 10, 0.6, 1}};
     for (const auto& c : cases) {
         const double share = ShareOfPoints(c.Games, Engine(strong, c.Skill), c.Opponent);

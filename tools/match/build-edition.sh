@@ -7,7 +7,7 @@
 # FOLDER/REVISION+NAME/quarnel-uci, NAME being the patch's. FOLDER counts from the top of the repository and is
 # build/editions if left out; a slash in the revision becomes a dash. What is up to date is not built again.
 #
-# Editions from before the engine spoke to other interfaces, such as engine-first-edition, get the interface
+# Editions from before the engine spoke to other interfaces, such as b2689df, get the interface
 # program of a later commit, which their search can serve.
 set -euo pipefail
 cd "$(dirname "$0")/../.."

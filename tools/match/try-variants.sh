@@ -6,7 +6,7 @@
 #
 # plays every patch of tools/match/variants, or those given, and prints a table row for each. The score is the
 # variant's, so a feature that is worth having shows in a variant without it losing. Finished matches are kept in
-# build/variants and not played again. GAMES (1000), NODES (3000) and SPRT (0,10) may be set from outside.
+# build/variants and not played again. GAMES (1000), NODES (20000) and SPRT (0,10) may be set from outside.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -17,7 +17,7 @@ shift
 match=build/tools/match/quarnel-match
 [ -x "$match" ] || { echo "Build first: cmake --preset release && cmake --build --preset release" >&2; exit 2; }
 
-nodes=${NODES:-3000}
+nodes=${NODES:-20000}
 games=${GAMES:-1000}
 mkdir -p build/variants
 base=$(tools/match/build-edition.sh "$revision")
