@@ -81,7 +81,8 @@ class Desktop {
     /// Opens `address` in the user's browser; the result is not known.
     virtual void OpenAddress(const Text& address) = 0;
 
-    // Settings of this user, texts under application, section and key (letter case of the key aside).
+    // Settings of this user, texts under application, section and key (letter case aside). What one program stores, no
+    // other one that runs beside it takes away.
 
     virtual Text ReadSetting(const Text& application, const Text& section, const Text& key,
                              const Text& defaultValue) = 0;

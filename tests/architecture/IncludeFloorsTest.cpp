@@ -29,10 +29,6 @@ const std::map<std::string, Names> Floors{
     {"app", {"game", "engine", "notation", "display", "controls", "model", "platform", "base", "Pictures.h"}},
 };
 
-// System headers that a file of the core may name: the settings store makes sure that what it wrote is
-// on the disk, which the standard library cannot.
-const std::map<std::string, Names> SystemHeaders{{"platform/SettingsFile.cpp", {"fcntl.h", "unistd.h"}}};
-
 // The engine library's rooms. Includes there start at the top of the repository: "quarnelchess/board/Board.h".
 const std::map<std::string, Names> EngineFloors{
     {"board", {}},
@@ -46,8 +42,7 @@ const std::map<std::string, Names> EngineFloors{
 };
 
 // Memory in large pages is the operating system's to give; the shared header is C.
-const std::map<std::string, Names> EngineSystemHeaders{{"search/TranspositionTable.cpp", {"sys/mman.h"}},
-                                                       {"include/QuarnelChess.h", {"stdint.h"}}};
+const Names EngineSystemHeaders{"search/TranspositionTable.cpp: sys/mman.h", "include/QuarnelChess.h: stdint.h"};
 
 // Back ends bring the headers of their toolkit and their system; only main() and they may name them.
 bool IsBackEnd(const std::string& path) {
@@ -61,11 +56,6 @@ std::string FolderOf(const std::string& path) {
 const std::regex Include(R"(^\s*#\s*include\s*(["<])([^">]*).*)");
 const std::regex StandardHeader("[a-z_]+");
 
-bool IsListed(const std::map<std::string, Names>& headers, const std::string& file, const std::string& name) {
-    const auto found = headers.find(file);
-    return found != headers.end() && found->second.contains(name);
-}
-
 // Whether `file`, a path inside quarnelchess/, may have this line.
 bool EngineMayHave(const std::string& file, const std::string& line) {
     std::smatch match;
@@ -75,7 +65,7 @@ bool EngineMayHave(const std::string& file, const std::string& line) {
     const std::string house = "quarnelchess/";
     if (match[1] == "<")
         return std::regex_match(name, StandardHeader) || EngineFloors.at(room).contains(name) ||
-               IsListed(EngineSystemHeaders, file, name);
+               EngineSystemHeaders.contains(file + ": " + name);
     if (!name.starts_with(house)) return false;
     const std::string target = FolderOf(name.substr(house.size()));
     return target == room || EngineFloors.at(room).contains(target);
@@ -90,8 +80,7 @@ bool MayHave(const std::string& file, const std::string& line) {
     std::smatch match;
     if (!std::regex_match(line, match, Include)) return true;
     const std::string name = match[2];
-    if (match[1] == "<")
-        return IsBackEnd(file) || IsListed(SystemHeaders, file, name) || std::regex_match(name, StandardHeader);
+    if (match[1] == "<") return IsBackEnd(file) || std::regex_match(name, StandardHeader);
     if (IsBackEnd(name)) return knowsBackEnds;
     const bool isOwn = name.starts_with(FolderOf(file) + "/");
     return isOwn || Floors.at(FolderOf(file)).contains(FolderOf(name));

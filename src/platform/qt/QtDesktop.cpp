@@ -2,12 +2,12 @@
 
 #include "platform/CodePage.h"
 #include "platform/EventQueue.h"
-#include "platform/SettingsFile.h"
 #include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/Fonts.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/Libraries.h"
+#include "platform/qt/SettingsFile.h"
 
 #include <QApplication>
 #include <QDesktopServices>

@@ -1,14 +1,34 @@
-#include "platform/SettingsFile.h"
+// The settings store, used by one program and by two at a time. Needs no display.
+#include "platform/qt/SettingsFile.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
+#include <functional>
 #include <random>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quarnel {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// A process that does `work`, whose answer becomes its exit status.
+pid_t Start(const std::function<int()>& work) {
+    const pid_t process = fork();
+    if (process == 0) _exit(work());
+    return process;
+}
+
+int EndOf(pid_t process) {
+    int status = -1;
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 class SettingsFileTest : public testing::Test {
   protected:
@@ -41,17 +61,16 @@ TEST_F(SettingsFileTest, KeepsEachValueUnderItsSectionAndItsKeyInAnyLetterCase) 
     EXPECT_TRUE(File.Write(u"Settings", u"Level", u"6"));
     EXPECT_TRUE(File.Write(u"Other", u"Level", u"7"));
     EXPECT_TRUE(File.Write(u"Settings", u"Wsize", u"2"));
-    EXPECT_TRUE(File.Write(u"Settings", u"WSIZE", u"3"));
+    EXPECT_TRUE(File.Write(u"SETTINGS", u"WSIZE", u"3"));
     EXPECT_EQ(Content(), "# Settings, written by the program whenever one changes.\n\n"
                          "[Settings]\nLevel=6\nWSIZE=3\n\n[Other]\nLevel=7\n");
     EXPECT_EQ(FilesInFolder(), 1);
-    EXPECT_EQ(File.Read(u"Settings", u"Level"), u"6");
+    EXPECT_EQ(File.Read(u"settings", u"level"), u"6");
     EXPECT_EQ(File.Read(u"Other", u"Level"), u"7");
     EXPECT_EQ(File.Read(u"Settings", u"WSize"), u"3");
-    EXPECT_EQ(File.Read(u"Other", u"Wsize"), std::nullopt);
 }
 
-TEST_F(SettingsFileTest, AnyTextComesBackAsItWas) {
+TEST_F(SettingsFileTest, AnyTextIsKept) {
     using namespace std::literals;
     constexpr TextView damaged(u"\xD800", 1);
     const auto texts = {u""sv,          u"  blanks  "sv,     u"a=b"sv,           u"[x]"sv,         u"#"sv,
@@ -73,18 +92,23 @@ TEST_F(SettingsFileTest, DamagedLinesHideNothingElse) {
 
     std::mt19937 random(1);
     std::string garbage;
-    for (int i = 0; i < 200000; ++i) garbage += static_cast<char>(random());
+    for (int i = 0; i < 2000000; ++i) garbage += static_cast<char>(random());
     Put(garbage);
     EXPECT_TRUE(File.Write(u"Settings", u"Level", u"1"));
     EXPECT_EQ(File.Read(u"Settings", u"Level"), u"1");
 }
 
 TEST_F(SettingsFileTest, WhatCannotBeStoredSaysSoAndChangesNothing) {
-    fs::create_directories(Path); // a folder stands where the file should
+    fs::create_directories(Path.parent_path());
+    mkfifo(Path.c_str(), 0600); // whoever opens it waits for another one
     EXPECT_FALSE(File.Write(u"Settings", u"Level", u"1"));
     EXPECT_EQ(File.Read(u"Settings", u"Level"), std::nullopt);
-    EXPECT_TRUE(fs::is_directory(Path));
+    EXPECT_TRUE(fs::is_fifo(Path));
     EXPECT_EQ(FilesInFolder(), 1);
+    fs::remove(Path);
+    EXPECT_TRUE(File.Write(u"Settings", u"Level", u"1"));
+    EXPECT_FALSE(File.Write(u"Settings", u"Level", Text(1 << 20, u'9')));
+    EXPECT_EQ(File.Read(u"Settings", u"Level"), u"1");
 }
 
 TEST_F(SettingsFileTest, ALinkToTheFileStaysALink) {
@@ -96,6 +120,42 @@ TEST_F(SettingsFileTest, ALinkToTheFileStaysALink) {
     EXPECT_TRUE(fs::is_symlink(Path));
     EXPECT_EQ(SettingsFile(real).Read(u"Settings", u"Level"), u"1");
     EXPECT_EQ(SettingsFile(real).Read(u"Settings", u"Ponder"), u"-1");
+}
+
+TEST_F(SettingsFileTest, TwoProgramsKeepEachOthersKeys) {
+    const auto write = [&](const char16_t* key) {
+        int lost = 0;
+        for (int round = 0; round < 200; ++round) {
+            // All as long as each other, so that nobody can tell by the length that there is something new.
+            const Text value = ToText(round % 10);
+            while (!File.Write(u"Settings", key, value)) {
+            }
+            lost += File.Read(u"Settings", key) == value ? 0 : 1;
+        }
+        return lost;
+    };
+    const pid_t other = Start([&] { return write(u"Ponder"); });
+    EXPECT_EQ(write(u"Level"), 0);
+    EXPECT_EQ(EndOf(other), 0);
+    EXPECT_EQ(File.Read(u"Settings", u"Level"), u"9");
+    EXPECT_EQ(File.Read(u"Settings", u"Ponder"), u"9");
+}
+
+TEST_F(SettingsFileTest, AKilledWriterIsNotInTheWay) {
+    ASSERT_TRUE(File.Write(u"Settings", u"Ponder", u"0"));
+    for (int round = 0; round < 20; ++round) {
+        const Text before = File.Read(u"Settings", u"Ponder").value();
+        const pid_t writer = Start([&]() -> int {
+            for (int i = 1;; ++i) File.Write(u"Settings", u"Ponder", ToText(round * 1000000LL + i));
+        });
+        while (File.Read(u"Settings", u"Ponder") == before) {
+        }
+        kill(writer, SIGKILL);
+        EndOf(writer);
+        EXPECT_NE(File.Read(u"Settings", u"Ponder"), std::nullopt);
+        EXPECT_TRUE(File.Write(u"Settings", u"Level", ToText(round)));
+        EXPECT_EQ(File.Read(u"Settings", u"Level"), ToText(round));
+    }
 }
 
 } // namespace
