@@ -1,29 +1,24 @@
 #include "platform/qt/Libraries.h"
 
+#include "platform/qt/Conversions.h"
+
 #include <algorithm>
 
-#include <dlfcn.h>
-
 namespace quarnel {
-
-namespace {
-
-void* LoadCode(const std::filesystem::path& folder, const Text& name) {
-    const std::string fileName = "lib" + ToUtf8(name) + ".so";
-    void* code = dlopen((folder / fileName).c_str(), RTLD_NOW | RTLD_LOCAL);
-    return code != nullptr ? code : dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
-}
-
-} // namespace
 
 Libraries::Library* Libraries::Find(const Text& name) {
     const auto known = std::find_if(libraries_.begin(), libraries_.end(),
                                     [&](const Library& library) { return library.Name == name; });
     if (known != libraries_.end()) return &*known;
-    void* code = LoadCode(folder_, name);
-    if (code == nullptr) return nullptr;
-    libraries_.push_back({name, code, 0});
-    return &libraries_.back();
+    const QString fileName = QStringLiteral("lib%1.so").arg(ToQString(name));
+    for (const QString& path : {folder_ + u'/' + fileName, fileName}) {
+        auto code = std::make_unique<QLibrary>(path);
+        code->setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
+        if (!code->load()) continue;
+        libraries_.push_back({name, std::move(code), 0});
+        return &libraries_.back();
+    }
+    return nullptr;
 }
 
 LibraryHandle Libraries::Load(const Text& name) {
@@ -43,7 +38,7 @@ bool Libraries::Release(LibraryHandle library) {
 
 void* Libraries::FindSymbol(const Text& name, const char* symbol) {
     const Library* library = Find(name);
-    return library != nullptr ? dlsym(library->Code, symbol) : nullptr;
+    return library != nullptr ? reinterpret_cast<void*>(library->Code->resolve(symbol)) : nullptr;
 }
 
 } // namespace quarnel

@@ -6,7 +6,9 @@
 
 #include "platform/Desktop.h"
 
-#include <filesystem>
+#include <QLibrary>
+
+#include <memory>
 #include <vector>
 
 namespace quarnel {
@@ -14,7 +16,7 @@ namespace quarnel {
 class Libraries {
   public:
     /// Libraries are looked for in `folder` first, then where the system finds them.
-    explicit Libraries(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    explicit Libraries(QString folder) : folder_(std::move(folder)) {}
 
     LibraryHandle Load(const Text& name);
     bool Release(LibraryHandle library);
@@ -23,13 +25,13 @@ class Libraries {
   private:
     struct Library {
         Text Name;
-        void* Code = nullptr; ///< never null
+        std::unique_ptr<QLibrary> Code; ///< loaded
         int Count = 0;
     };
 
     Library* Find(const Text& name);
 
-    std::filesystem::path folder_;
+    QString folder_;
     std::vector<Library> libraries_; ///< a handle is an index into it, plus one
 };
 

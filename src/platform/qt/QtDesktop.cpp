@@ -109,7 +109,7 @@ class QtDesktop : public Desktop, private FormObserver {
 };
 
 QtDesktop::QtDesktop(int& argc, char** argv)
-    : application_(argc, argv), settings_(SettingsPath()), libraries_(ToPath(QApplication::applicationDirPath())),
+    : application_(argc, argv), settings_(SettingsPath()), libraries_(QApplication::applicationDirPath()),
       codePage_(CodePageOfLocale(CharacterLocale())) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setDesktopFileName(QStringLiteral("quarnel-chess"));
