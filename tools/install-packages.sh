@@ -18,6 +18,7 @@ show=(
 )
 check=(
     libgtest-dev libgmock-dev libbenchmark-dev # tests and benchmarks
+    libcli11-dev            # command lines of the engine's workshop
     clang-format clang-tidy # formatter and linter
 )
 

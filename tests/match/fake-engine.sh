@@ -2,16 +2,13 @@
 # An engine whose every answer is written down in its arguments, one for each ply of the game: a move,
 # with its score in centipawns behind a colon if it gives one, or "crash", or "hang".
 script="$*"
-plies=0
 while read -r command rest; do
     case $command in
-    uci) echo uciok ;;
-    isready) echo readyok ;;
-    position)
-        set -- $rest
-        plies=$(($# > 2 ? $# - 2 : 0))
-        ;;
+    uci | isready) echo "${command#is}ok" ;;
+    position) moves=${rest#startpos} ;;
     go)
+        set -- ${moves#*moves}
+        plies=$#
         set -- $script
         shift $plies
         case $1 in
@@ -21,6 +18,5 @@ while read -r command rest; do
         esac
         echo "bestmove ${1%:*}"
         ;;
-    quit) exit ;;
     esac
 done

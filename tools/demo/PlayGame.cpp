@@ -9,7 +9,7 @@
 #include "ProgramWindow.h"
 
 #include "quarnelchess/records/Records.h"
-#include "tools/match/Options.h"
+#include "tools/match/Player.h"
 
 #include <cstdlib>
 #include <iostream>

@@ -5,70 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <sstream>
 
 namespace quarnel::match {
 namespace {
 
-constexpr const char* Usage =
-    R"(quarnel-ladder --engine COMMAND --journal FOLDER [OPTION...]
-
-Plays each level of the program against the one below, and the lowest against two simple players; then prints
-the table of all that FOLDER holds. The same command goes on where it was stopped.
-
-  --engine COMMAND     the engine, for the universal chess interface
-  --journal FOLDER     a journal for each pair of players
-  --rungs A,B,...      only these: random, grabber (level 1 against those), 2 to 10 (against the level below)
-  --games N            for each, even (200)
-  --time-divisor N     the time for a move is divided by this (50); levels 1 to 5 do not depend on time
-  --concurrency N      games at a time (2)
-  --hash MB            of each engine (16)
-  --seed N             of the openings and the weak levels' errors (1)
-)";
-
-std::vector<std::string> ReadList(const std::string& text) {
-    std::vector<std::string> list;
-    std::istringstream input(text);
-    for (std::string word; std::getline(input, word, ',');) list.push_back(word);
-    return list;
-}
-
-LadderSetup ReadArguments(const std::vector<std::string>& arguments) {
-    LadderSetup setup;
-    Words words(arguments);
-    while (!words.AtEnd()) {
-        const std::string option = words.Next();
-        if (option == "--engine")
-            setup.Command = words.Value(option);
-        else if (option == "--journal")
-            setup.Folder = words.Value(option);
-        else if (option == "--rungs")
-            setup.Wanted = ReadList(words.Value(option));
-        else if (option == "--games")
-            setup.Games = words.Number(option, 2, 1000000);
-        else if (option == "--time-divisor")
-            setup.TimeDivisor = words.Number(option, 1, 1000);
-        else if (option == "--concurrency")
-            setup.Concurrency = words.Number(option, 1, 256);
-        else if (option == "--hash")
-            setup.HashMb = words.Number(option, 1, 1024);
-        else if (option == "--seed")
-            setup.Seed = static_cast<std::uint64_t>(words.Number(option, 0, 1000000000));
-        else
-            throw UsageError("There is no option \"" + option + "\".");
-    }
-    if (setup.Command.empty()) throw UsageError("--engine is missing.");
-    if (setup.Folder.empty()) throw UsageError("--journal is missing.");
-    if (setup.Games % 2 != 0) throw UsageError("--games is an even number: games come in pairs.");
-    return setup;
-}
-
-ExitCode ClimbLadder(const std::vector<std::string>& arguments) {
-    const LadderSetup setup = ReadArguments(arguments);
+ExitCode ClimbLadder(const LadderSetup& setup) {
     const std::vector<Rung> rungs = MakeRungs(setup);
-    for (const std::string& name : setup.Wanted)
-        if (std::none_of(rungs.begin(), rungs.end(), [&](const Rung& rung) { return rung.Name == name; }))
-            throw UsageError("There is no rung \"" + name + "\".");
     std::filesystem::create_directories(setup.Folder);
 
     const std::atomic<bool>& stop = WatchSignals();
@@ -98,5 +40,23 @@ ExitCode ClimbLadder(const std::vector<std::string>& arguments) {
 } // namespace quarnel::match
 
 int main(int argc, char** argv) {
-    return quarnel::match::RunProgram(argc, argv, quarnel::match::Usage, quarnel::match::ClimbLadder);
+    using namespace quarnel::match;
+    CLI::App app(
+        "Plays each level of the program against the one below, and the lowest against two simple players; then "
+        "prints the table of all that the journals hold. The same command goes on where it was stopped.");
+    LadderSetup setup;
+    std::vector<std::string> rungs;
+    for (const Rung& rung : MakeRungs(setup)) rungs.push_back(rung.Name);
+    app.add_option("--engine", setup.Command, "The engine, for the universal chess interface")->required();
+    app.add_option("--journal", setup.Folder, "A folder with a journal for each pair of players")->required();
+    app.add_option("--rungs", setup.Wanted,
+                   "Only these: level 1 against random or grabber, or a level against the one below")
+        ->delimiter(',')
+        ->check(CLI::IsMember(rungs));
+    AddCommonOptions(app, setup.Games, setup.Concurrency, setup.Seed);
+    app.add_option("--time-divisor", setup.TimeDivisor,
+                   "The time for a move is divided by this; levels 1 to 5 do not depend on time")
+        ->check(CLI::Range(1, 1000));
+    app.add_option("--hash", setup.HashMb, "Megabytes of each engine")->check(CLI::Range(1, 1024));
+    return RunProgram(app, argc, argv, [&] { return ClimbLadder(setup); });
 }

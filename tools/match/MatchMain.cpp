@@ -17,8 +17,8 @@ void ReportProgress(const Match& match, const GameResult& result) {
         std::cerr << tally.Games() << " games: +" << tally.Wins << " =" << tally.Draws << " -" << tally.Losses << "\n";
 }
 
-ExitCode PlayMatch(const std::vector<std::string>& arguments) {
-    Match match(ReadMatchArguments(arguments), WatchSignals());
+ExitCode PlayMatch(const MatchSetup& setup) {
+    Match match(setup, WatchSignals());
     match.Run(ReportProgress);
     std::cout << Summary(match);
     if (match.IsOver()) return Done;
@@ -31,5 +31,9 @@ ExitCode PlayMatch(const std::vector<std::string>& arguments) {
 } // namespace quarnel::match
 
 int main(int argc, char** argv) {
-    return quarnel::match::RunProgram(argc, argv, quarnel::match::MatchUsage, quarnel::match::PlayMatch);
+    using namespace quarnel::match;
+    CLI::App app("Plays games in pairs, colours changed, between two players.");
+    MatchSetup setup;
+    AddMatchOptions(app, setup);
+    return RunProgram(app, argc, argv, [&] { return PlayMatch(setup); });
 }

@@ -2,10 +2,19 @@
 
 #include "UciPlayer.h"
 
+#include <csignal>
 #include <random>
 
 namespace quarnel::match {
 namespace {
+
+std::atomic<bool> stopRequested{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void RequestStop(int signal) {
+    stopRequested.store(true, std::memory_order_relaxed);
+    std::signal(signal, SIG_DFL);
+}
 
 using engine::MoveBuffer;
 
@@ -52,6 +61,12 @@ std::unique_ptr<Player> MakePlayer(const PlayerSetup& setup, const std::atomic<b
     if (setup.Command == "builtin:grabber") return std::make_unique<SimplePlayer>(Prey);
     if (setup.IsBuiltin()) throw std::runtime_error("There is no player \"" + setup.Command + "\".");
     return std::make_unique<UciPlayer>(setup, stop);
+}
+
+const std::atomic<bool>& WatchSignals() {
+    std::signal(SIGINT, RequestStop);
+    std::signal(SIGTERM, RequestStop);
+    return stopRequested;
 }
 
 } // namespace quarnel::match

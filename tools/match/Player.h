@@ -60,4 +60,7 @@ class Player {
 /// Nothing is started before the first game. `stop` must outlive the player.
 std::unique_ptr<Player> MakePlayer(const PlayerSetup& setup, const std::atomic<bool>& stop);
 
+/// Raised by SIGINT and SIGTERM once the function was called; a second signal ends the program at once.
+const std::atomic<bool>& WatchSignals();
+
 } // namespace quarnel::match

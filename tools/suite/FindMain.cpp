@@ -1,8 +1,6 @@
 // quarnel-find-problems: looks for proven mates and wins of material in careless games of the engine
 // against itself.
 //
-//   quarnel-find-problems [--games N] [--first N] [--seed N] [--nodes N] [--count N] [--number N] OPEN HIDDEN
-//
 // Plays games of so few nodes a move that both sides blunder, and asks the prover about every position that a
 // short search values higher than it looks. Kept are mates in two to four moves and wins of at least a
 // minor piece in two or three, all without a mate or such a win at once, where up to three first moves do
@@ -13,11 +11,11 @@
 #include "quarnelchess/evaluation/Evaluation.h"
 #include "tools/tune/SelfPlay.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <map>
 #include <unordered_set>
 
 using namespace quarnel;
@@ -40,15 +38,16 @@ struct Options {
     std::uint64_t Count = 240;
     std::uint64_t Number = 1;
     tuning::SelfPlayOptions Play = {100, 11, 300};
-    std::vector<std::string> Files;
+    std::string OpenFile;
+    std::string HiddenFile;
 };
 
 class Finder {
   public:
     explicit Finder(const Options& options) : options_(options), search_(clock_) {
         search_.SetHash(1);
-        open_.open(options.Files[0], std::ios::app);
-        hidden_.open(options.Files[1], std::ios::app);
+        open_.open(options.OpenFile, std::ios::app);
+        hidden_.open(options.HiddenFile, std::ios::app);
     }
 
     void Run() {
@@ -127,33 +126,21 @@ class Finder {
     std::uint64_t easy_ = 0;
 };
 
-bool Read(int argc, char** argv, Options& options) {
-    const std::map<std::string, std::uint64_t*> numbers = {
-        {"--games", &options.Games},      {"--first", &options.First}, {"--seed", &options.Play.Seed},
-        {"--nodes", &options.Play.Nodes}, {"--count", &options.Count}, {"--number", &options.Number}};
-    for (int i = 1; i < argc; ++i) {
-        const auto number = numbers.find(argv[i]);
-        if (number == numbers.end()) {
-            if (argv[i][0] == '-') return false;
-            options.Files.emplace_back(argv[i]);
-            continue;
-        }
-        if (++i == argc) return false;
-        *number->second = std::strtoull(argv[i], nullptr, 10);
-    }
-    return options.Files.size() == 2;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     Options options;
-    if (!Read(argc, argv, options)) {
-        std::fputs("quarnel-find-problems [--games N] [--first N] [--seed N] [--nodes N] [--count N] [--number N] OPEN "
-                   "HIDDEN\n",
-                   stderr);
-        return 2;
-    }
+    CLI::App app("Looks for proven mates and wins of material in careless games of the engine against itself.");
+    app.option_defaults()->always_capture_default();
+    app.add_option("--games", options.Games, "At most so many");
+    app.add_option("--first", options.First, "The number of the first game");
+    app.add_option("--seed", options.Play.Seed, "Of the games");
+    app.add_option("--nodes", options.Play.Nodes, "For a move");
+    app.add_option("--count", options.Count, "Problems to keep");
+    app.add_option("--number", options.Number, "Of the first problem");
+    app.add_option("OPEN", options.OpenFile, "Gets the problems with even numbers")->required();
+    app.add_option("HIDDEN", options.HiddenFile, "Gets the others")->required();
+    CLI11_PARSE(app, argc, argv);
     Finder(options).Run();
     return 0;
 }

@@ -1,15 +1,14 @@
 // quarnel-selfplay: writes positions of self-played games, one a line: position;result;value.
 //
-//   quarnel-selfplay [--games N] [--first N] [--nodes N] [--positions N] [--threads N] [--seed N] FILE
-//
 // The result is 1, 0.5 or 0 and the value in centipawns, both White's view. The file depends on games,
 // first (the number of the first game), nodes, positions (the most of one game) and seed alone.
 #include "SelfPlay.h"
 #include "quarnelchess/board/Fen.h"
 
+#include <CLI/CLI.hpp>
+
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -82,33 +81,20 @@ void PlayGames(const Options& options, std::atomic<std::uint64_t>& next, Writer&
     }
 }
 
-bool Read(int argc, char** argv, Options& options) {
-    const std::map<std::string, std::uint64_t*> numbers = {
-        {"--games", &options.Games},         {"--first", &options.First},     {"--nodes", &options.Play.Nodes},
-        {"--positions", &options.Positions}, {"--threads", &options.Threads}, {"--seed", &options.Play.Seed}};
-    for (int i = 1; i < argc; ++i) {
-        const auto number = numbers.find(argv[i]);
-        if (number == numbers.end()) {
-            if (argv[i][0] == '-') return false;
-            options.File = argv[i];
-            continue;
-        }
-        if (++i == argc) return false;
-        *number->second = std::strtoull(argv[i], nullptr, 10);
-    }
-    return !options.File.empty() && options.Threads >= 1 && options.Play.Nodes >= 1;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     Options options;
-    if (!Read(argc, argv, options)) {
-        std::fputs(
-            "quarnel-selfplay [--games N] [--first N] [--nodes N] [--positions N] [--threads N] [--seed N] FILE\n",
-            stderr);
-        return 2;
-    }
+    CLI::App app("Writes positions of games that the engine plays against itself.");
+    app.option_defaults()->always_capture_default();
+    app.add_option("--games", options.Games, "How many");
+    app.add_option("--first", options.First, "The number of the first game");
+    app.add_option("--nodes", options.Play.Nodes, "For a move")->check(CLI::PositiveNumber);
+    app.add_option("--positions", options.Positions, "At most, of a game");
+    app.add_option("--threads", options.Threads, "Games at a time")->check(CLI::PositiveNumber);
+    app.add_option("--seed", options.Play.Seed, "Of the games");
+    app.add_option("FILE", options.File, "Gets the positions")->required();
+    CLI11_PARSE(app, argc, argv);
     Writer writer(options.File, options.First);
     if (!writer.IsGood()) {
         std::fprintf(stderr, "cannot write %s\n", options.File.c_str());

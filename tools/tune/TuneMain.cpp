@@ -1,53 +1,19 @@
 // quarnel-tune: fits the evaluation's weights to positions that quarnel-selfplay has written.
 //
-//   quarnel-tune [options] WEIGHTS OUTPUT DATA...
-//
-// WEIGHTS is quarnelchess/evaluation/Weights.inc as it was compiled into this program; OUTPUT, which may be the same
-// file, gets its comments and the new numbers. Options, each with a number: --share (of the search's value
-// in the target, 0 to 1), --pull, --step, --epochs, --patience, --batch, --threads, --seed.
+// The output has the comments of the compiled weights and the new numbers; it may be the same file.
 #include "Tuner.h"
 #include "WeightFile.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <map>
 #include <sstream>
 
 using namespace quarnel::tuning;
 
 namespace {
-
-struct Options {
-    TunerOptions Tuner;
-    std::vector<std::string> Files;
-};
-
-bool Read(int argc, char** argv, Options& options) {
-    TunerOptions& tuner = options.Tuner;
-    const std::map<std::string, std::function<void(double)>> settings = {
-        {"--share", [&](double value) { tuner.SearchShare = value; }},
-        {"--pull", [&](double value) { tuner.Pull = value; }},
-        {"--step", [&](double value) { tuner.StepCp = value; }},
-        {"--epochs", [&](double value) { tuner.Epochs = static_cast<int>(value); }},
-        {"--patience", [&](double value) { tuner.Patience = static_cast<int>(value); }},
-        {"--batch", [&](double value) { tuner.Batch = static_cast<std::size_t>(std::max(1.0, value)); }},
-        {"--threads", [&](double value) { tuner.Threads = static_cast<int>(value); }},
-        {"--seed", [&](double value) { tuner.Seed = static_cast<std::uint64_t>(value); }},
-    };
-    for (int i = 1; i < argc; ++i) {
-        const auto setting = settings.find(argv[i]);
-        if (setting == settings.end()) {
-            if (argv[i][0] == '-') return false;
-            options.Files.emplace_back(argv[i]);
-            continue;
-        }
-        if (++i == argc) return false;
-        setting->second(std::strtod(argv[i], nullptr));
-    }
-    return options.Files.size() >= 3;
-}
 
 std::string ReadFile(const std::string& path) {
     std::ifstream file(path);
@@ -82,24 +48,35 @@ void PrintMaterial(const char* title, const TrainingData& data, const SmoothWeig
 } // namespace
 
 int main(int argc, char** argv) {
-    Options options;
-    if (!Read(argc, argv, options)) {
-        std::fputs(
-            "quarnel-tune [--share N] [--pull N] [--step N] [--epochs N] [--patience N] [--batch N] [--threads N]"
-            " [--seed N] WEIGHTS OUTPUT DATA...\n",
-            stderr);
-        return 2;
-    }
+    TunerOptions options;
+    std::string weights;
+    std::string output;
+    std::vector<std::string> files;
+    CLI::App app("Fits the evaluation's weights to positions of self-played games.");
+    app.option_defaults()->always_capture_default();
+    app.add_option("--share", options.SearchShare, "Of the search's value in the target; the result has the rest")
+        ->check(CLI::Range(0.0, 1.0));
+    app.add_option("--pull", options.Pull, "Of the old weights, in positions");
+    app.add_option("--step", options.StepCp, "The most that a weight moves in a batch, at first");
+    app.add_option("--epochs", options.Epochs, "At most so many");
+    app.add_option("--patience", options.Patience, "Epochs without gain before the step is halved");
+    app.add_option("--batch", options.Batch, "Positions of a step")->check(CLI::PositiveNumber);
+    app.add_option("--threads", options.Threads, "At a time");
+    app.add_option("--seed", options.Seed, "Of the order of the positions");
+    app.add_option("WEIGHTS", weights, "Weights.inc as it was compiled into this program")->required();
+    app.add_option("OUTPUT", output, "Gets the new weights")->required();
+    app.add_option("DATA", files, "Files of quarnel-selfplay")->required();
+    CLI11_PARSE(app, argc, argv);
     const SmoothWeights start = CompiledWeights();
-    const std::string present = ReadFile(options.Files[0]);
+    const std::string present = ReadFile(weights);
     if (RewriteWeights(present, start) != present) {
-        std::fprintf(stderr, "%s is not what this program was built with\n", options.Files[0].c_str());
+        std::fprintf(stderr, "%s is not what this program was built with\n", weights.c_str());
         return 1;
     }
     TrainingData data;
-    for (std::size_t i = 2; i < options.Files.size(); ++i)
-        if (!LoadTrainingData(options.Files[i], data)) {
-            std::fprintf(stderr, "cannot read %s\n", options.Files[i].c_str());
+    for (const std::string& file : files)
+        if (!LoadTrainingData(file, data)) {
+            std::fprintf(stderr, "cannot read %s\n", file.c_str());
             return 1;
         }
     const double k = FitK(data, start);
@@ -108,13 +85,13 @@ int main(int argc, char** argv) {
                 static_cast<double>(data.Terms.size()) /
                     static_cast<double>(std::max<std::size_t>(1, data.Fitted.size() + data.HeldOut.size())),
                 k);
-    const SmoothWeights tuned = Tune(data, start, k, options.Tuner, [](const Epoch& epoch) {
+    const SmoothWeights tuned = Tune(data, start, k, options, [](const Epoch& epoch) {
         std::printf("epoch %3d  fitted %.6f  held out %.6f\n", epoch.Number, epoch.FittedLoss, epoch.HeldOutLoss);
         std::fflush(stdout);
     });
     PrintMaterial("before:", data, start);
     PrintMaterial("after: ", data, tuned);
-    std::ofstream output(options.Files[1]);
-    output << RewriteWeights(present, tuned).value_or(present);
-    return output.good() ? 0 : 1;
+    std::ofstream file(output);
+    file << RewriteWeights(present, tuned).value_or(present);
+    return file.good() ? 0 : 1;
 }
