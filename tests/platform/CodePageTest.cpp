@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace quarnel {
 namespace {
 
@@ -33,15 +35,13 @@ TEST(CodePage, PlacesCharactersAsTheirPageDoes) {
 }
 
 TEST(CodePage, FollowsTheLanguageAndScriptOfALocale) {
-    const std::pair<const char*, int> cases[] = {
-        {"", 1252},           {"C.UTF-8", 1252},     {"en_US.UTF-8", 1252}, {"cs_CZ.UTF-8", 1250},
-        {"cs", 1250},         {"pl-PL", 1250},       {"HU_hu", 1250},       {"hr_HR@euro", 1250},
-        {"ru_RU", 1251},      {"sr_RS.UTF-8", 1251}, {"sr@latin", 1250},    {"sr_RS.UTF-8@latin", 1250},
-        {"sr-Latn-RS", 1250}, {"bs_BA", 1250},       {"bs_Cyrl_BA", 1251},  {"el_GR.UTF-8", 1253},
-        {"tr_TR", 1254},      {"az_AZ.UTF-8", 1254}, {"he_IL", 1255},       {"fa_IR", 1256},
-        {"lt_LT", 1257},      {"vi_VN", 1258},       {"th_TH.UTF-8", 874},  {"csb_PL", 1252},
-        {".UTF-8", 1252},     {"@@__..", 1252}};
-    for (const auto& [locale, page] : cases) EXPECT_EQ(CodePageOfLocale(locale), page) << locale;
+    std::istringstream cases("C.UTF-8 1252 cs_CZ.UTF-8 1250 cs 1250 pl-PL 1250 HU_hu 1250 hr_HR@euro 1250 ru_RU 1251 "
+                             "sr_RS.UTF-8 1251 sr@latin 1250 sr_RS.UTF-8@latin 1250 sr-Latn-RS 1250 bs_BA 1250 "
+                             "bs_Cyrl_BA 1251 el_GR.UTF-8 1253 tr_TR 1254 az_AZ.UTF-8 1254 he_IL 1255 fa_IR 1256 "
+                             "lt_LT 1257 vi_VN 1258 th_TH.UTF-8 874 csb_PL 1252 .UTF-8 1252 @@__.. 1252");
+    std::string locale;
+    for (int page = 0; cases >> locale >> page;) EXPECT_EQ(CodePageOfLocale(locale), page) << locale;
+    EXPECT_EQ(CodePageOfLocale(""), 1252);
 }
 
 } // namespace
