@@ -6,7 +6,8 @@
 namespace quarnel::engine {
 namespace {
 
-// From games of the engine against itself, most pieces first, and a few endings that such games seldom reach.
+// Well-known test positions at both ends; between them, most pieces first, positions from games of the engine against
+// itself.
 constexpr const char* Positions[] = {
     "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1",
     "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",

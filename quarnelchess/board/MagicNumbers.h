@@ -1,4 +1,5 @@
-// Factors that spread a slider's blockers over its attack table. Written by FindMagics.cpp.
+// Factors that spread a slider's blockers over its attack table. Written by
+// tools/engine/FindMagics.cpp.
 #pragma once
 
 #include <cstdint>

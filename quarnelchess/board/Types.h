@@ -149,13 +149,12 @@ class MoveArray {
     Move& operator[](std::size_t index) { return moves_[index]; }
     const Move* begin() const { return moves_; }
     const Move* end() const { return moves_ + count_; }
-    void Clear() { count_ = 0; }
     /// Keeps the first `count` moves.
     void Shrink(std::size_t count) { count_ = count; }
 
   private:
-    // A union leaves the moves unset, which saves half a kilobyte of writing at every node: only the first count_ are
-    // ever read.
+    // A union leaves the moves unset, which saves writing a kilobyte at every node: only the first count_ are ever
+    // read.
     union {
         Move moves_[Capacity];
     };

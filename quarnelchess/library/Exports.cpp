@@ -1,4 +1,4 @@
-// The six exported functions: thin doors to Records and to the one Session.
+// The six exported functions: thin doors to the rules over records and to the one Session.
 #include "quarnelchess/library/Session.h"
 #include "quarnelchess/records/LooseRules.h"
 #include "quarnelchess/records/Records.h"

@@ -20,7 +20,7 @@ constexpr int MostFailHighReductions = 2;            // a root move that fails h
 
 // --- Table ----------------------------------------------------------------------------------------
 
-constexpr int TableCutMaxClock = 90; // plies without progress; near a hundred the table does not know of the draw
+constexpr int TableCutMaxClock = 89; // plies without progress; near a hundred the table does not know of the draw
 
 // --- Cuts without a move --------------------------------------------------------------------------
 
@@ -31,7 +31,7 @@ constexpr int RazorPerDepthCp = 190; // and so much further for each ply it coul
 constexpr int ReverseFutilityMaxDepth = 8;    // deeper, an advantage can be worked against for too long
 constexpr int ReverseFutilityPerDepthCp = 75; // what the opponent may win back in a ply
 
-constexpr int NullMoveMinDepth = 3;          // below, quiescence answers as well
+constexpr int NullMoveMinDepth = 3;          // below, reverse futility asks for hardly more
 constexpr int NullMoveEvalBaseCp = 140;      // near the leaves the static value must be above beta itself
 constexpr int NullMoveEvalPerDepthCp = 18;   // deep down it may be below, because the search makes up for it
 constexpr int NullMoveReduction = 3;         // plies saved at least
@@ -45,7 +45,7 @@ constexpr int CaptureProbeMinDepth = 5;     // so that there is a search left be
 constexpr int CaptureProbeMarginCp = 190;   // above beta: what the reduced search may be wrong by
 constexpr int CaptureProbeImprovingCp = 50; // less when things are looking up anyway
 constexpr int CaptureProbeReduction = 4;    // plies
-constexpr int CaptureProbeTrust = 3;        // an entry so many plies shallower already tells that no capture does it
+constexpr int CaptureProbeTrust = 3;        // an entry so many plies shallower is believed when it says no
 
 // --- Depth of the node ----------------------------------------------------------------------------
 
@@ -53,7 +53,8 @@ constexpr int InternalReductionMinDepth = 4; // without a known move a shallower
 
 // --- Moves left out -------------------------------------------------------------------------------
 
-constexpr int LateMoveBase = 4; // quiet moves looked at: this and depth squared, half of it when not improving
+constexpr int LateMoveBase =
+    4; // moves before the quiet ones left go unseen: this and depth squared; half when not improving
 
 constexpr int FutilityMaxDepth = 8;    // depth after reduction
 constexpr int FutilityBaseCp = 90;     // what a quiet move gains at best at once

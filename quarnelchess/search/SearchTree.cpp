@@ -156,7 +156,7 @@ std::optional<int> SearchWorker::ProbeTable(Node& node) {
     node.TableMove = node.IsRoot ? rootMoves_[lineIndex_].First : node.Found ? node.Entry.Best : Move{};
     node.WasPv = node.IsPv || (node.Found && node.Entry.WasPv);
     if (node.Found && !node.IsPv && node.Entry.Depth >= node.Depth &&
-        node.Position.HalfmoveClock() < margins::TableCutMaxClock &&
+        node.Position.HalfmoveClock() <= margins::TableCutMaxClock &&
         Cuts(node.Entry, node.TableValue, node.Alpha, node.Beta))
         return node.TableValue;
     return std::nullopt;
@@ -327,8 +327,8 @@ bool SearchWorker::MayPrune(const Node& node, const Progress& progress) {
     return !node.IsRoot && progress.BestValue > -MateInMaxPly && node.Position.HasPieces(node.Position.SideToMove());
 }
 
-/// So many moves of a node that is not doing well have been tried that the quiet ones left are not even generated,
-/// checks among them.
+/// So many moves have been seen, half as many where things are not improving, that the quiet ones left are not even
+/// looked at, checks among them.
 bool SearchWorker::IsLate(const Node& node, const Progress& progress) {
     return progress.Count >= (margins::LateMoveBase + node.Depth * node.Depth) / (node.IsImproving ? 1 : 2);
 }

@@ -105,7 +105,7 @@ class SearchWorker {
     struct NodeMove {
         Move Played;
         bool IsNoisy;
-        int QuietScore; // history of a quiet move
+        int QuietScore; // as MovePicker has it
         bool GivesCheck = false;
         int Extension = 0; // plies
     };

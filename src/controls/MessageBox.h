@@ -63,7 +63,7 @@ class FrmMsg : public Form {
     bool okHovered_ = false;
 };
 
-/// One box. Its properties are read and written in the dialog window itself.
+/// One box. Its properties are those of the dialog window itself, Buttons and Icon apart.
 class ClsMain {
   public:
     ClsMain(FrmMsg& form, Desktop& desktop);

@@ -13,7 +13,7 @@
 
 namespace quarnel {
 
-inline constexpr Colour FrameColour = Rgb(89, 0, 0); ///< the board's border and what lies on it
+inline constexpr Colour FrameColour = Rgb(89, 0, 0); ///< the board's border and the status strip
 inline constexpr int BoardPictureSize = 400;         ///< width and height of all but buf(3) and the small ones
 
 struct BoardPictures {

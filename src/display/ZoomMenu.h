@@ -1,4 +1,4 @@
-// The zoom: eight sizes of the window, and the places of the controls on the board's border in each.
+// The zoom: eight sizes of the window, in each of which the controls on the board's border are laid out anew.
 //
 // Call MeasureWindow() once while the window has its designed size, then ApplySavedZoom(). The board
 // itself is always composed at one size and only shown stretched. Program thread only.

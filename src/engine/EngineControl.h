@@ -1,6 +1,6 @@
 // What the program asks of the engine, and the thinking and idle states that follow from it.
 //
-// A search ends only with the engine's move line (game/EngineOutput): stopping it, or abandoning it
+// A search ends only with the line that the engine says then (game/EngineOutput): stopping it, or abandoning it
 // for a new game or another position, leaves the thinking state until that line has come.
 // Program thread only.
 #pragma once

@@ -11,6 +11,7 @@ constexpr std::size_t FirstVariationRows = 101;
 } // namespace
 
 void CtrlPanel::SetStartValues() {
+    state_.Zoom = 1.0F;
     controller_.PromotePiece = Queen;
     state_.ShowLastMove = 1;
     state_.Variations.assign(FirstVariationRows, {});

@@ -17,7 +17,8 @@ class CtrlPanel {
         : state_(state), controller_(controller), pictures_(pictures), control_(control), renderer_(renderer),
           animation_(animation), zoom_(zoom) {}
 
-    /// What holds before the first game: queens for promoted pawns, marks on the last move, room for other lines.
+    /// What holds before the first game: the designed size, queens for promoted pawns, marks on the last move, room for
+    /// other lines.
     void SetStartValues();
     /// Loads the pictures and initialises the game model. Once.
     void Form_Load();

@@ -71,7 +71,7 @@ void GameFiles::SaveGame() {
         const int plies = state_.PlyNow;
         const int lines = (plies + plies % 2) / 2;
         if (lines < 1) {
-            EndWith(u"There are no moves. Nothing to save.");
+            messages_.MsgBoxXP(u"There are no moves. Nothing to save.");
             return;
         }
         Open(ShowFileDialog(true, Text(SaveTitle)), std::ios::out | std::ios::trunc);
@@ -111,7 +111,7 @@ void GameFiles::LoadGame() {
     if (inSequence) {
         steps_.MoveTAB(ToEnd, False);
     } else {
-        EndWith(u"File corrupted. Illegal move");
+        messages_.MsgBoxXP(u"File corrupted. Illegal move");
     }
 }
 
@@ -151,7 +151,7 @@ bool GameFiles::ReadRecord() {
 
 void GameFiles::Fail() {
     file_ = std::fstream();
-    EndWith(u"Error!");
+    messages_.MsgBoxXP(u"Error!");
 }
 
 void GameFiles::TakeSides(bool userIsWhite) {

@@ -41,7 +41,6 @@ class GameFiles {
     void TakeSides(bool userIsWhite);
     /// Closes whatever is open and says so.
     void Fail();
-    void EndWith(const Text& message) { messages_.MsgBoxXP(message); }
 
     GameState& state_;
     CtrlPanel& panel_;

@@ -1,6 +1,7 @@
 // Navigation: stepping through the recorded game, back and forward.
 //
-// It never changes the history, only the ply shown and the position. A step lets window events run, so
+// It never changes the history, only the ply shown and what goes with it: the position, marks, selection and status
+// text, and what the engine is doing. A step lets window events run, so
 // another one can come in the middle of it; it is left out then (NavBusy). Program thread only.
 #pragma once
 

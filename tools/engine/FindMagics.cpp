@@ -62,9 +62,9 @@ void Print(const char* name, const int (&steps)[4][2]) {
 } // namespace
 
 int main() {
-    std::printf(
-        "// Factors that spread a slider's blockers over its attack table. Written by tools/engine/FindMagics.cpp.\n"
-        "#pragma once\n\n#include <cstdint>\n\nnamespace quarnel::engine {\n\n");
+    std::printf("// Factors that spread a slider's blockers over its attack table. Written by\n"
+                "// tools/engine/FindMagics.cpp.\n"
+                "#pragma once\n\n#include <cstdint>\n\nnamespace quarnel::engine {\n\n");
     Print("BishopFactors", BishopSteps);
     std::printf("\n");
     Print("RookFactors", RookSteps);
