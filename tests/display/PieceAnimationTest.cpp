@@ -2,53 +2,40 @@
 
 #include "base/Numbers.h"
 
-#include <algorithm>
-#include <bit>
-#include <random>
-
 namespace quarnel {
 namespace {
 
-auto Bytes(const MoveRec& move) {
-    return std::bit_cast<std::array<std::uint8_t, 8>>(move);
-}
-
-class AnimateMoveTest : public BoardFixture {
+class AnimateMoveTest : public BoardTest {
   protected:
     // Draws the position, slides `move` over it and returns how many frames that took.
     int Animate(MoveRec& move, Truth noMarks = False) {
-        renderer.DrawCoordinates();
-        renderer.RedrawBoard();
-        firstTick = desktop.NowMs;
-        const int before = Presented();
-        animation.AnimateMove(state.CurPos, move, noMarks);
-        return Presented() - before;
+        ShowsAfterRedraw({});
+        const int before = FramesShown();
+        Game->Animation.AnimateMove(State().CurPos, move, noMarks);
+        return FramesShown() - before;
     }
-    Square Selected() const { return {controller.SelFile, controller.SelRow}; }
-    Square LastMove() const { return {state.LastMoveFile, state.LastMoveRow}; }
-
-    std::uint32_t firstTick = 0;
+    // Both ends of the last move as they are marked.
+    std::pair<Square, Square> Marks() {
+        return {{Controller().SelFile, Controller().SelRow}, {State().LastMoveFile, State().LastMoveRow}};
+    }
+    static std::string Bytes(const MoveRec& move) { return {reinterpret_cast<const char*>(&move), sizeof move}; }
 };
 
 TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
-    desktop.TickStepMs = 29; // positions between pixels, steps wider than the rim around a piece
-    state.LastMoveFile = state.LastMoveRow = 4;
-    const std::pair<MoveRec, Truth> cases[] = {{{7, 8, 6, 6, 0, 0, 0, 0}, False},
-                                               {{7, 8, 6, 6, 0, 0, 0, 0}, True},
-                                               {{1, 1, 8, 8, 0, 0, 0, 0}, False},
-                                               {{5, 2, 1, 2, 0, 0, 0, 0}, False}};
-    for (auto [move, flipped] : cases) {
-        state.BoardFlipped = flipped;
+    Screen.TickStepMs = 29; // positions between pixels, steps wider than the rim around a piece
+    State().LastMoveFile = State().LastMoveRow = 4;
+    const std::tuple<MoveRec, Truth, int> cases[] = {{{7, 8, 6, 6, 0, 0, 0, 0}, True, 100},
+                                                     {{1, 1, 8, 8, 0, 0, 0, 0}, False, 350},
+                                                     {{5, 2, 1, 2, 0, 0, 0, 0}, False, 200}};
+    for (auto [move, flipped, durationMs] : cases) {
+        State().BoardFlipped = flipped;
         const Square origin{move.FromFile, move.FromRow};
-        const Square target{move.ToFile, move.ToRow};
-        ExpectedFrame expected{.LastMove = {4, 4}, .Erased = origin};
-        expected.Floating = PieceAt(state.CurPos, origin.File, origin.Row);
         const PixelPoint from = SquareCorner(origin, flipped);
-        const PixelPoint to = SquareCorner(target, flipped);
-        const int durationMs = 50 * std::max(std::abs(origin.File - target.File), std::abs(origin.Row - target.Row));
-
+        const PixelPoint to = SquareCorner({move.ToFile, move.ToRow}, flipped);
+        ExpectedFrame expected{.LastMove = {4, 4}, .Hidden = origin};
+        expected.Floating = PieceAt(State().CurPos, origin.File, origin.Row);
         int elapsedMs = -29; // the first frame shows the board before the slide
-        desktop.BeforeProcess = [&] {
+        Screen.BeforeProcess = [&] {
             if (elapsedMs >= 0 && elapsedMs < durationMs) {
                 const double part = 1.0 * elapsedMs / durationMs;
                 expected.At = {RoundHalfEven(from.X + (to.X - from.X) * part),
@@ -58,169 +45,89 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
             elapsedMs += 29;
         };
         Animate(move, True);
-        desktop.BeforeProcess = nullptr;
         EXPECT_GE(elapsedMs, durationMs);
-        EXPECT_TRUE(Shows({.LastMove = {4, 4}})) << "redrawn at the end";
+        EXPECT_TRUE(Shows({.LastMove = {4, 4}})) << "redrawn at the end, and no other marks";
     }
 }
 
 TEST_F(AnimateMoveTest, TakesFiftyMillisecondsASquareMarksTheOriginAtOnceAndBothAtTheEndAndRewritesCastling) {
-    const struct {
-        MoveRec Given;
-        Truth Side, Flipped;
-        MoveRec Left;
-        int DurationMs;
-    } cases[] = {{{5, 7, 5, 6, 0, 0, 0, 0}, White, False, {5, 7, 5, 6, 0, 0, 0, 0}, 50},
-                 {{5, 8, 6, 7, 0, 0, 0, 0}, White, True, {5, 8, 6, 7, 0, 0, 0, 0}, 50},
-                 {{2, 8, 3, 6, 0, 0, 0, 0}, White, True, {2, 8, 3, 6, 0, 0, 0, 0}, 100},
-                 {{1, 8, 1, 1, 0, 0, 0, 0}, White, False, {1, 8, 1, 1, 0, 0, 0, 0}, 350},
-                 {{5, 8, 0, 0, 1, 0, 0, 0}, White, False, {5, 8, 7, 8, 1, 0, 0, 0}, 100},
-                 {{5, 8, 0, 0, 2, 0, 0, 0}, White, True, {5, 8, 3, 8, 2, 0, 0, 0}, 100},
-                 {{5, 1, 0, 0, 1, 0, 0, 0}, Black, True, {5, 1, 7, 1, 1, 0, 0, 0}, 100},
-                 {{5, 1, 0, 0, 2, 0, 0, 0}, Black, False, {5, 1, 3, 1, 2, 0, 0, 0}, 100}};
-    desktop.TickStepMs = 1;
-    state.Zoom = 2.5F;
+    const std::tuple<MoveRec, Truth, Truth, MoveRec, int> cases[] = {
+        {{5, 8, 6, 7, 0, 0, 0, 0}, White, True, {5, 8, 6, 7, 0, 0, 0, 0}, 50},
+        {{1, 8, 1, 1, 0, 0, 0, 0}, White, False, {1, 8, 1, 1, 0, 0, 0, 0}, 350},
+        {{5, 8, 0, 0, 2, 0, 0, 0}, White, True, {5, 8, 3, 8, 2, 0, 0, 0}, 100},
+        {{5, 1, 0, 0, 1, 0, 0, 0}, Black, False, {5, 1, 7, 1, 1, 0, 0, 0}, 100}};
+    Screen.TickStepMs = 1;
+    State().Zoom = 2.5F;
     for (const auto& [given, side, flipped, left, durationMs] : cases) {
-        SCOPED_TRACE(testing::PrintToString(Bytes(given)));
-        state.CurPos = MakePosition(StartSquares, side);
-        state.BoardFlipped = flipped;
+        SCOPED_TRACE(durationMs);
+        State().CurPos.SideToMove = side;
+        State().BoardFlipped = flipped;
         const Square from{left.FromFile, left.FromRow};
-        const Square before = LastMove();
         int frames = 0;
-        desktop.BeforeProcess = [&] {
-            if (++frames != 2) return; // the first of the slide
-            EXPECT_EQ(Selected(), from);
-            EXPECT_EQ(LastMove(), before);
+        Screen.BeforeProcess = [&, before = Marks().second] {
+            EXPECT_TRUE(++frames != 2 || Marks() == std::pair(from, before)) << "in the first frame of the slide";
         };
         MoveRec move = given;
-        // The last frame is the redraw; the clock is read once at the start and once after each step.
+        // The last frame is the redraw.
         EXPECT_EQ(Animate(move), durationMs + 1);
-        EXPECT_EQ(desktop.NowMs - firstTick, static_cast<std::uint32_t>(durationMs + 1));
         EXPECT_EQ(Bytes(move), Bytes(left));
-        EXPECT_EQ(Selected(), from);
-        EXPECT_EQ(LastMove(), (Square{left.ToFile, left.ToRow}));
+        EXPECT_EQ(Marks(), std::pair(from, Square{left.ToFile, left.ToRow}));
     }
-    desktop.BeforeProcess = nullptr;
-    const std::pair marks(Selected(), LastMove());
-    MoveRec move{2, 8, 3, 6, 0, 0, 0, 0};
-    Animate(move, True);
-    EXPECT_EQ(std::pair(Selected(), LastMove()), marks) << "no marks asked for";
 }
 
 TEST_F(AnimateMoveTest, WithoutAWayOrAPieceNothingIsShownAndAFailureShowsTheRedrawAlone) {
-    PieceAt(state.CurPos, 4, 4) = 17; // a code without an image
-    const std::pair<MoveRec, int> cases[] = {{{0, 0, 0, 0, 0, 0, 0, 0}, 0}, {{5, 7, 5, 7, 0, 0, 0, 0}, 0},
-                                             {{5, 5, 5, 4, 0, 0, 0, 0}, 0}, {{0, 3, 2, 3, 0, 0, 0, 0}, 0},
-                                             {{9, 1, 2, 1, 0, 0, 0, 0}, 1}, {{1, 200, 2, 1, 0, 0, 0, 0}, 1},
-                                             {{4, 4, 4, 5, 0, 0, 0, 0}, 1}};
+    PieceAt(State().CurPos, 4, 4) = 17; // a code without an image
+    const std::pair<MoveRec, int> cases[] = {{{5, 7, 5, 7, 0, 0, 0, 0}, 0},   {{5, 5, 5, 4, 0, 0, 0, 0}, 0},
+                                             {{0, 3, 2, 3, 0, 0, 0, 0}, 0},   {{9, 1, 2, 1, 0, 0, 0, 0}, 1},
+                                             {{1, 200, 2, 1, 0, 0, 0, 0}, 1}, {{4, 4, 4, 5, 0, 0, 0, 0}, 1}};
     for (const Truth flipped : {False, True}) {
-        state.BoardFlipped = flipped;
+        State().BoardFlipped = flipped;
         for (const auto& [record, frames] : cases) {
             MoveRec move = record;
             EXPECT_EQ(Animate(move), frames) << int{record.FromFile};
             EXPECT_EQ(Bytes(move), Bytes(record));
-            EXPECT_EQ(state.LastMoveFile, 0);
         }
         EXPECT_TRUE(Shows({.Selected = {4, 4}}));
     }
-    desktop.TickStepMs = 100000;
-    std::mt19937 random(1);
-    for (int i = 0; i < 400; ++i) {
-        const auto any = [&](unsigned count) { return static_cast<std::uint8_t>(random() % count); };
-        const MoveRec record{any(256), any(16), any(256), any(256), any(4), 0, 0, 0};
-        state.BoardFlipped = ToTruth(i % 2 != 0);
-        MoveRec move = record;
-        animation.AnimateMove(state.CurPos, move, False);
-        EXPECT_TRUE(record.Castle != NoCastle || Bytes(move) == Bytes(record)) << i;
-    }
 }
 
-class MovePieceTest : public BoardFixture {
-  protected:
-    MovePieceTest() {
-        frmBoard.OnMouseMove = [this](const PointerEvent& event) {
-            controller.CurrentX = static_cast<std::int32_t>(event.X);
-            controller.CurrentY = static_cast<std::int32_t>(event.Y);
-        };
-        frmBoard.OnMouseUp = [this](const PointerEvent&) { controller.FloatPiece = 0; };
-        frmBoard.OuterWidth = frmBoard.OuterHeight = 9000;
-    }
-
-    // Picks up the piece on `square` with the pointer in its middle, as move input does.
-    void Drag(Square square) {
-        const PixelPoint corner = SquareCorner(square, state.BoardFlipped);
-        controller.SelFile = static_cast<std::int16_t>(square.File);
-        controller.SelRow = static_cast<std::int16_t>(square.Row);
-        controller.FloatPiece = PieceAt(state.CurPos, square.File, square.Row);
-        controller.CurrentX = corner.X + 20;
-        controller.CurrentY = corner.Y + 20;
-        animation.MovePiece(PointerButton::Left, 0, static_cast<float>(corner.X + 20),
-                            static_cast<float>(corner.Y + 20));
-    }
-};
+using MovePieceTest = BoardTest;
 
 TEST_F(MovePieceTest, FollowsThePointerWithoutATrail) {
     const Square g1{7, 8};
     for (const Truth flipped : {False, True}) {
-        state.BoardFlipped = flipped;
-        renderer.DrawCoordinates();
-        PixelPoint pointer = SquareCorner(g1, flipped);
-        pointer = {pointer.X + 20, pointer.Y + 20};
-        for (const PixelPoint& next :
-             {PixelPoint{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 365}, {120, 120}, {0, 0}}) {
-            desktop.Script.push_back([this, g1, &pointer, next] {
-                ExpectedFrame expected{.Selected = g1, .Hidden = g1, .Floating = Knight};
-                expected.At = {pointer.X - 22, pointer.Y - 22};
-                EXPECT_TRUE(Shows(expected)) << "at " << pointer.X;
-                pointer = next;
-                desktop.Move(frmBoard, next.X, next.Y, PointerButton::Left);
-                if (next.X == 0) desktop.Release(frmBoard, 0, 0);
+        State().BoardFlipped = flipped;
+        Game->Renderer.DrawCoordinates();
+        PixelPoint corner = SquareCorner(g1, flipped);
+        corner = {corner.X - 2, corner.Y - 2};
+        for (const auto& [x, y] :
+             {std::pair{200, 100}, {203, 96}, {60, 300}, {361, 2}, {365, 365}, {120, 365}, {0, 0}}) {
+            Screen.Script.push_back([this, g1, &corner, x = x, y = y] {
+                EXPECT_TRUE(Shows({.Selected = g1, .Hidden = g1, .Floating = Knight, .At = corner})) << corner.X;
+                corner = {x - 22, y - 22};
+                Screen.Move(Window(), x, y, PointerButton::Left);
+                if (x == 0) Screen.Release(Window(), 0, 0);
             });
         }
-        Drag(g1);
-        EXPECT_TRUE(desktop.Script.empty());
+        PressSquare("g1");
+        Screen.ProcessEvents();
+        EXPECT_TRUE(Screen.Script.empty());
         EXPECT_TRUE(Shows({.Selected = g1}));
+        Game->Input.CancelPieceSel();
     }
 }
 
 TEST_F(MovePieceTest, SleepsWhileThePointerRestsAndNeverOnceThePieceIsDropped) {
-    desktop.LogEvents = true;
-    desktop.Script = {
-        [this] { desktop.Move(frmBoard, 100, 100, PointerButton::Left); },
-        [this] { desktop.Press(frmBoard, 100, 100, PointerButton::Right); }, // an event that changes nothing
-        [this] {
-            desktop.Move(frmBoard, 110, 100, PointerButton::Left);
-            desktop.Release(frmBoard, 110, 100);
-        },
-    };
-    // Where the last drag ended is no reason to leave the first frame out.
-    controller.DragLastX = 18 + 6 * 41 + 20;
-    controller.DragLastY = 18 + 7 * 41 + 20;
-    Drag({7, 8});
+    Screen.LogEvents = true;
+    Screen.Script = {[this] { Screen.Move(Window(), 284, 325); }, // where it is: woken for nothing
+                     [this] { Screen.Release(Window(), 284, 325); }};
+    PressSquare("g1");
+    Screen.ProcessEvents();
     std::string log;
-    for (const std::string& entry : desktop.Log) log += entry.substr(0, entry.find(' ')) + " ";
-    // The board without the piece; the piece under the pointer; a rest and a move; woken for nothing; the drop.
-    EXPECT_EQ(log, "present process present process process wait process present process process wait process "
-                   "wait process present process ");
-
-    desktop.Log.clear();
-    desktop.Release(frmBoard, 10, 10);
-    Drag({2, 8});
-    EXPECT_EQ(desktop.Log, (std::vector<std::string>{"present 366x366", "process"})) << "dropped in the first frame";
-}
-
-TEST_F(MovePieceTest, DragsACodeWithoutAnImageAsNothing) {
-    PieceAt(state.CurPos, 3, 3) = 99;
-    desktop.Script = {[this] { desktop.Move(frmBoard, -40, 900, PointerButton::Left); },
-                      [this] { desktop.Move(frmBoard, 100000, 100, PointerButton::Left); }};
-    // The far position cannot be kept as the last one, so this pointer is never at rest and the drop must
-    // come with the events of a pass.
-    int passes = 0;
-    desktop.BeforeProcess = [&] {
-        if (controller.CurrentX > 32767 && ++passes == 3) desktop.Release(frmBoard, 0, 0);
-    };
-    Drag({3, 3});
-    EXPECT_TRUE(Shows({.Selected = {3, 3}}));
+    for (const std::string& entry : Screen.Log) log += entry.substr(0, entry.find(' ')) + " ";
+    // The drop selects the piece once more, and both the drag and the press that it came from redraw at their ends.
+    EXPECT_EQ(log, "process present process present process process wait process wait process "
+                   "present process present process present process present process ");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 // The whole program on the scripted desktop, against an engine that a test speaks for.
 //
-// Play() starts the program and runs the test's body where the engine's loop would be, so a test reads
-// as a dialogue: the user acts, the program's lines are pulled and compared, the engine says its line.
-// Moves and checks are judged by the real engine library.
+// The program is started and left where the engine's loop would go on, so a test reads as a dialogue: the
+// user acts, the program's lines are pulled and compared, the engine says its line. Moves and checks are
+// judged by the real engine library.
 #pragma once
 
 #include "app/Program.h"
@@ -20,28 +20,26 @@ class ScriptedEngine {
   public:
     ScriptedEngine() { current_ = this; }
     ~ScriptedEngine() { current_ = nullptr; }
-    ScriptedEngine(const ScriptedEngine&) = delete;
-    ScriptedEngine& operator=(const ScriptedEngine&) = delete;
 
-    std::function<void()> Body; ///< runs inside quarnel_EngineStart
+    std::function<void()> Body;               ///< runs inside quarnel_EngineStart
+    std::function<void(std::int32_t)> Input;  ///< calls the program for a line
+    std::function<void(std::int32_t)> Output; ///< tells the program the length of what is said
 
     /// Calls the input callback once; returns the lines it brought.
     std::vector<std::string> PullOnce(std::int32_t wait = 0) {
-        input_(wait);
+        Input(wait);
         return std::exchange(received_, {});
     }
     /// Calls it until it brings no line.
     std::vector<std::string> Pull() {
         std::vector<std::string> all;
-        for (auto lines = PullOnce(); !lines.empty(); lines = PullOnce()) {
-            all.insert(all.end(), lines.begin(), lines.end());
-        }
+        for (auto lines = PullOnce(); !lines.empty(); lines = PullOnce()) all.push_back(lines.front());
         return all;
     }
 
     void Say(const std::string& text) {
         said_ = text;
-        output_(static_cast<std::int32_t>(text.size()));
+        Output(static_cast<std::int32_t>(text.size()));
     }
 
     /// The exports as a library of the scripted desktop.
@@ -56,16 +54,14 @@ class ScriptedEngine {
 
   private:
     static void Start(QuarnelInputCallback input, QuarnelOutputCallback output) {
-        current_->input_ = input;
-        current_->output_ = output;
+        current_->Input = input;
+        current_->Output = output;
         current_->Body();
     }
     static void Receive(const char* line) { current_->received_.emplace_back(line); }
     static void Get(char* buffer) { std::copy(current_->said_.begin(), current_->said_.end(), buffer); }
 
     static inline ScriptedEngine* current_ = nullptr;
-    QuarnelInputCallback input_ = nullptr;
-    QuarnelOutputCallback output_ = nullptr;
     std::vector<std::string> received_;
     std::string said_;
 };
@@ -74,35 +70,35 @@ class ProgramTest : public testing::Test {
   protected:
     using Lines = std::vector<std::string>;
 
-    ProgramTest() { Screen.Libraries[u"QuarnelChess"] = ScriptedEngine::Exports(); }
+    ProgramTest() {
+        Screen.Libraries[u"QuarnelChess"] = ScriptedEngine::Exports();
+        Engine.Body = [this] { StartLines = Engine.Pull(); };
+        Start();
+    }
 
     ScriptedDesktop Screen;
     ScriptedEngine Engine;
     std::unique_ptr<Program> Game;
 
-    /// Starts the program; `body` runs inside the engine after the start-up lines were pulled.
-    void Play(std::function<void()> body) {
-        Engine.Body = [&, body = std::move(body)] {
-            StartLines = Engine.Pull();
-            body();
-        };
-        Start();
-    }
-    /// The same with another position on the board.
-    void PlayFrom(Text fen, std::function<void()> body) {
-        Play([&, fen, body = std::move(body)] {
-            State().CurPos = PositionOf(fen);
-            body();
-        });
-    }
+    /// Starts the program anew and pulls its first lines.
     void Start() {
         Game.reset();
         Game = std::make_unique<Program>(Screen);
         Game->Run();
+        Engine.Input = [this](std::int32_t wait) { Game->Bridge.InputCallback(static_cast<std::int16_t>(wait)); };
+        Engine.Output = [this](std::int32_t length) { Game->Output.OutputCallback(length); };
+    }
+    /// The same with another position on the board.
+    void StartFrom(const Text& fen) {
+        Start();
+        State().CurPos = PositionOf(fen);
     }
     Lines StartLines;
 
     Form& Window() { return Game->Board.Window; }
+    MenuItem& NewAsWhite() { return Game->Board.SubFileMenu[0]; }
+    MenuItem& NewAsBlack() { return Game->Board.SubFileMenu[1]; }
+    Text& Saved(const std::string& key) { return Screen.Settings["quarnel chess/settings/" + key]; }
     GameState& State() { return Game->State; }
     ControllerState& Controller() { return Game->Controller; }
 
@@ -151,38 +147,38 @@ class ProgramTest : public testing::Test {
     }
     Lines ChooseMoves(int index) { return Choose(Game->Board.Moves.SubMovesMenu[static_cast<std::size_t>(index)]); }
 
-    /// A user move given by its squares, answered by the engine; "" for an answer that does not come.
+    /// A user move given by its squares, answered by the engine.
     void Exchange(const std::string& from, const std::string& to, const std::string& answer) {
         DragMove(from, to);
-        const bool userIsWhite = State().ComputerColor == Black;
-        if (!answer.empty()) SayMove(userIsWhite ? "Black" : "White", answer);
+        SayMove(answer);
     }
     /// The engine's move line for the move about to be played.
-    void SayMove(const std::string& side, const std::string& move) {
-        Engine.Say(side + "(" + std::to_string(State().PlyNow / 2 + 1) + "): " + move + " ");
+    void SayMove(const std::string& move) {
+        const std::string side = State().CurPos.SideToMove != White ? "Black(" : "White(";
+        Engine.Say(side + std::to_string(State().PlyNow / 2 + 1) + "): " + move + " ");
     }
 
     std::string Fen() { return ToUtf8(notation::PositionToFen(State().CurPos)); }
-    std::string Strip() { return ToUtf8(Game->Board.Status.mdis.Caption.Get()); }
-    std::string Row(std::size_t row) {
-        const HistoryRow& cells = State().MoveText.at(row);
-        return ToUtf8(cells[0] + u" " + cells[1] + u" " + cells[2]);
-    }
-    std::pair<int, int> Selected() { return {Controller().SelFile, Controller().SelRow}; }
-    std::pair<int, int> LastMark() { return {State().LastMoveFile, State().LastMoveRow}; }
     int FramesShown() { return Screen.Frames[&Window()].Count; }
-    bool LowerLight() { return Game->Board.Status.Picture4[0].Visible; }
-    bool UpperLight() { return Game->Board.Status.Picture4[1].Visible; }
     /// The state of the move controls: 'i'dle, 't'hinking, 's'topping, '?' anything else.
     char Controls() {
         const MoveControls& moves = Game->Board.Moves;
         std::string look;
         for (const MenuItem& item : moves.SubMovesMenu) look += item.Enabled.Get() ? '1' : '0';
-        look += ' ';
         for (const Control& button : moves.poke) look += button.Visible.Get() ? '1' : '0';
-        if (look == "1111110 111110") return 'i';
-        if (look == "0000001 000001") return 't';
-        return look == "0000000 000000" ? 's' : '?';
+        return look == "1111110111110" ? 'i' : look == "0000001000001" ? 't' : look == "0000000000000" ? 's' : '?';
+    }
+    /// The ply shown of those recorded, the strip, the marks of both ends ("--" for none), the lights that
+    /// are on, and the move controls: "2/2 Move: Nf6 g8f6 lower i".
+    std::string Look() {
+        const auto name = [](int file, int row) {
+            return file == 0 ? "--" : std::string{static_cast<char>('a' + file - 1), static_cast<char>('9' - row)};
+        };
+        const StatusStrip& status = Game->Board.Status;
+        return std::to_string(State().PlyNow) + "/" + std::to_string(State().PlyCount) + " " +
+               ToUtf8(status.mdis.Caption.Get()) + " " + name(Controller().SelFile, Controller().SelRow) +
+               name(State().LastMoveFile, State().LastMoveRow) + (status.Picture4[0].Visible ? " lower" : "") +
+               (status.Picture4[1].Visible ? " upper " : " ") + Controls();
     }
 
   private:
