@@ -30,22 +30,6 @@ class LibraryRules : public Rules {
     }
 };
 
-/// Answers with the moves of `List` in their order, whatever the position; no rule service at all
-/// while `Missing`.
-class ListedRules : public Rules {
-  public:
-    std::vector<MoveRec> List;
-    bool Missing = false;
-
-    bool GetMove(const Position&, Truth, MoveList& list) override {
-        for (std::size_t i = 0; i < List.size(); ++i) list.Moves[i] = List[i];
-        list.Count = static_cast<std::uint8_t>(List.size());
-        return !Missing;
-    }
-    bool MakeMove(Position&, const MoveRec&) override { return !Missing; }
-    bool KingAttacked(const Position&, Truth, Truth&) override { return !Missing; }
-};
-
 /// The position of a text that is whole.
 inline Position PositionOf(Text fen) {
     Position position{};
