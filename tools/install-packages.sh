@@ -1,29 +1,32 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, running and testing need; what is there is left alone.
 #
-#   tools/install-packages.sh          everything (./test)
-#   tools/install-packages.sh program  without what only the tests need (./run)
+#   tools/install-packages.sh program  what the program needs, to be built and to run on a display
+#   tools/install-packages.sh demo     and a display where there is none, with a hand that plays on it
+#   tools/install-packages.sh          and what tests, benchmarks and the linter need (./test)
 set -euo pipefail
 
-build=(
+wanted=(
     build-essential         # compiler and linker
     cmake ninja-build       # the build
     qt6-base-dev            # the desktop
     libpng-dev              # embedding the pictures, screenshots
-    libx11-dev libxext-dev libxtst-dev # driving a window by real events
+    fonts-liberation fonts-dejavu-core fonts-dejavu-extra # the program's fonts
 )
 show=(
-    fonts-liberation fonts-dejavu-core fonts-dejavu-extra # the program's fonts
     xvfb openbox xauth      # a display where there is none
+    libx11-dev libxext-dev libxtst-dev # driving a window by real events
 )
 check=(
     libgtest-dev libgmock-dev libbenchmark-dev # tests and benchmarks
     libcli11-dev            # command lines of the engine's workshop
     clang-format clang-tidy # formatter and linter
 )
-
-wanted=("${build[@]}" "${show[@]}")
-[ "${1:-}" = program ] || wanted+=("${check[@]}")
+case ${1:-all} in
+    program) ;;
+    demo) wanted+=("${show[@]}") ;;
+    *) wanted+=("${show[@]}" "${check[@]}") ;;
+esac
 
 command -v dpkg-query >/dev/null || {
     echo "This is no Debian system: please install the equivalents of: ${wanted[*]}" >&2
