@@ -8,6 +8,7 @@
 #include <QWindow>
 
 #include <map>
+#include <memory>
 
 namespace quarnel {
 
@@ -180,19 +181,22 @@ class AccessibleCanvas : public QAccessibleWidget {
         return nullptr;
     }
     QAccessibleInterface* Announcement() const {
-        if (announcement_ == 0) announcement_ = Register(new AnnouncementPart(canvas_));
+        if (announcement_ == 0) announcement_ = Register(std::make_unique<AnnouncementPart>(canvas_));
         return QAccessible::accessibleInterface(announcement_);
     }
 
   private:
-    static QAccessible::Id Register(Part* part) { return QAccessible::registerAccessibleInterface(part); }
+    // The toolkit owns what is registered, until it is told to delete it.
+    static QAccessible::Id Register(std::unique_ptr<Part> part) {
+        return QAccessible::registerAccessibleInterface(part.release());
+    }
 
     void AddControls(const Control& parent, std::vector<QAccessible::Id>& parts) const {
         for (const Control* child : parent.Children()) {
             if (!child->Visible.Get()) continue;
             if (!NameOf(*child).empty()) {
                 auto& id = controls_[child];
-                if (id == 0) id = Register(new ControlPart(canvas_, *child));
+                if (id == 0) id = Register(std::make_unique<ControlPart>(canvas_, *child));
                 parts.push_back(id);
             }
             AddControls(*child, parts);
@@ -205,7 +209,9 @@ class AccessibleCanvas : public QAccessibleWidget {
         if (form == nullptr) return parts;
         AddControls(*form, parts);
         const std::size_t items = form->OnDescribe ? form->OnDescribe().size() : 0;
-        while (described_.size() < items) described_.push_back(Register(new DescribedPart(canvas_, described_.size())));
+        while (described_.size() < items) {
+            described_.push_back(Register(std::make_unique<DescribedPart>(canvas_, described_.size())));
+        }
         parts.insert(parts.end(), described_.begin(), described_.begin() + static_cast<std::ptrdiff_t>(items));
         Announcement();
         parts.push_back(announcement_);
