@@ -3,6 +3,9 @@
 // The player's moves are legal and poor; the replies are read off the pixels and must be legal, too.
 #include "PlayedProgram.h"
 
+#include "quarnelchess/board/MoveGen.h"
+#include "quarnelchess/records/San.h"
+
 #include <random>
 
 namespace quarnel::xdriver {
@@ -11,78 +14,67 @@ namespace {
 class WholeGame : public PlayedProgram {
   protected:
     // A move that takes nothing when there is one: the engine shall win soon.
-    MoveRec PoorMove() {
-        const MoveList list = Legal(Game);
-        std::vector<MoveRec> quiet;
-        for (int i = 0; i < list.Count; ++i) {
-            const Square to = Target(list.Moves[i]);
-            const bool takes = PieceAt(Game, to.File, to.Row) != NoPiece || list.Moves[i].EpCapFile != 0;
-            if (!takes) quiet.push_back(list.Moves[i]);
-        }
-        MoveRec move = quiet.empty() ? list.Moves[0] : quiet[Random() % quiet.size()];
-        if (move.Promote != NoPiece) move.Promote = Queen;
-        return move;
+    engine::Move PoorMove() {
+        engine::MoveBuffer moves;
+        engine::GenerateMoves<engine::MoveClass::Quiet>(Game, moves);
+        if (moves.Empty()) engine::GenerateMoves(Game, moves);
+        const engine::Move move = moves[Random() % moves.Size()];
+        return move.IsPromotion() ? engine::Move(move.From(), move.To(), move.Kind(), engine::Queen) : move;
     }
 
-    void PlayByMouse(const MoveRec& move, bool drag) {
-        const Square from{move.FromFile, move.FromRow};
+    void PlayByMouse(engine::Move move, bool drag) {
         if (drag) {
-            Drag(from, Target(move));
+            Drag(move);
         } else {
-            Click(Eye->Middle(from));
-            ASSERT_TRUE(WaitForBoard([&] { return Eye->Mark(from) == SquareMark::Origin; }));
-            Click(Eye->Middle(Target(move)));
+            Click(move.From());
+            AwaitBoard("a selection", [&] { return Eye->Mark(SquareOf(move.From())) == SquareMark::Origin; });
+            Click(move.To());
         }
-        Game = After(Game, move);
+        Game.Make(move);
     }
 
-    bool InCheck() { return quarnel_KingAttacked(&Game, Game.SideToMove) != 0; }
-    // The ground under the king of the side to move.
     SquareGround KingsGround() {
-        const int king = King + (Game.SideToMove != White ? BlackOffset : 0);
-        for (int cell = 0; cell < 64; ++cell) {
-            if (PieceAt(Game, cell % 8 + 1, cell / 8 + 1) == king) return Eye->Ground(cell % 8 + 1, cell / 8 + 1);
-        }
-        return SquareGround::Plain;
+        const Square king = SquareOf(Game.KingSquare(Game.SideToMove()));
+        return Eye->Ground(king.File, king.Row);
     }
 
     std::mt19937 Random{11};
 };
 
 TEST_F(WholeGame, IsPlayedByMouseUntilSomebodyIsMated) {
-    ASSERT_NO_FATAL_FAILURE(StartWith(QUARNEL_PROGRAM, "Level=5\nPonder=-1\n"));
-    ASSERT_TRUE(WaitForBoard([&] { return Eye->ShowsBoardOf(Game) && Eye->LowerLight() && !Eye->UpperLight(); }));
+    StartWith(QUARNEL_PROGRAM, "Level=5\nPonder=-1\n");
+    ASSERT_TRUE(Shows(Game) && Eye->LowerLight() && !Eye->UpperLight());
     Surface lastStrip = Eye->Strip();
-    for (int moves = 0; Legal(Game).Count != 0; ++moves) {
+    for (int moves = 0; engine::CountMoves(Game) != 0; ++moves) {
         ASSERT_LT(moves, 150) << "nobody is mated";
-        const MoveRec poor = PoorMove();
-        ASSERT_NO_FATAL_FAILURE(PlayByMouse(poor, moves % 2 == 1));
-        if (Legal(Game).Count == 0) break;
-        const MoveRec reply = TakeEngineMove();
-        ASSERT_NE(reply.FromFile, 0);
+        const engine::Move poor = PoorMove();
+        PlayByMouse(poor, moves % 2 == 1);
+        if (engine::CountMoves(Game) == 0) break;
+        const engine::Move reply = AwaitReply(Game);
         // The user's own origin counts as a selection while a piece stands there, so a reply onto it keeps that frame.
-        const bool ontoOrigin = Target(reply) == Square{poor.FromFile, poor.FromRow};
-        EXPECT_EQ(Eye->Mark(Target(reply)), ontoOrigin ? SquareMark::Origin : SquareMark::Target);
-        EXPECT_EQ(Eye->Mark({reply.FromFile, reply.FromRow}), ontoOrigin ? SquareMark::None : SquareMark::Origin);
-        const bool mate = InCheck() && Legal(Game).Count == 0;
+        const bool ontoOrigin = reply.To() == poor.From();
+        EXPECT_EQ(Eye->Mark(SquareOf(reply.To())), ontoOrigin ? SquareMark::Origin : SquareMark::Target);
+        EXPECT_EQ(Eye->Mark(SquareOf(reply.From())), ontoOrigin ? SquareMark::None : SquareMark::Origin);
+        const bool mate = Game.InCheck() && engine::CountMoves(Game) == 0;
         EXPECT_EQ(Eye->LowerLight(), !mate);
         EXPECT_FALSE(Eye->UpperLight());
-        EXPECT_EQ(KingsGround(), mate ? SquareGround::Mate : InCheck() ? SquareGround::Check : SquareGround::Plain);
+        EXPECT_EQ(KingsGround(), mate             ? SquareGround::Mate
+                                 : Game.InCheck() ? SquareGround::Check
+                                                  : SquareGround::Plain);
         EXPECT_FALSE(Eye->Strip() == lastStrip) << "the strip names each move";
         lastStrip = Eye->Strip();
     }
-    ASSERT_TRUE(InCheck()) << "a stalemate is no mate";
-    EXPECT_TRUE(User.WaitUntil([&] { return TakeBoxAway() || BoxesSeen > 0; }));
-    EXPECT_EQ(BoxesSeen, 1);
-    ExpectItEndsWhenClosed();
+    ASSERT_TRUE(Game.InCheck()) << "a stalemate is no mate";
+    Await("the message", [&] { return TakeMessageAway() || MessagesTaken > 0; });
+    EXPECT_EQ(MessagesTaken, 1);
+    EXPECT_EQ(Close(), 0);
 }
 
 TEST_F(WholeGame, EndsAtOnceWhenClosedWhileTheEngineThinks) {
-    ASSERT_NO_FATAL_FAILURE(StartWith(QUARNEL_PROGRAM, "Level=9\n"));
-    ASSERT_TRUE(WaitForBoard([&] { return Eye->LowerLight(); }));
-    Drag({5, 7}, {5, 5});
-    ASSERT_TRUE(WaitForBoard([&] { return Eye->UpperLight(); }));
-    ExpectItEndsWhenClosed();
+    StartWith(QUARNEL_PROGRAM, "Level=9\n");
+    Drag(engine::ReadSan(Game, "e4"));
+    AwaitBoard("a search", [&] { return Eye->UpperLight(); });
+    EXPECT_EQ(Close(), 0);
 }
 
 } // namespace

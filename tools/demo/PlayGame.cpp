@@ -6,10 +6,8 @@
 // of the user's moves, played by clicks and drags in turn. The program's moves are read off the pixels and must be
 // legal. Mate, stalemate, the third repetition, fifty moves or bare material end the game. FOLDER then has a screenshot
 // of every tenth move and of the end, and the record as the program's own dialog saved it, game.txt.
-#include "ProgramWindow.h"
-
-#include "quarnelchess/records/Records.h"
 #include "tools/match/Player.h"
+#include "window/ProgramWindow.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -18,21 +16,22 @@ namespace quarnel::xdriver {
 namespace {
 
 constexpr int LongestGame = 400; // plies
+enum { GameMenu, OptionsMenu = 2 };
+enum { NewAsWhite, NewAsBlack, SaveItem };
+constexpr int StrengthMenu = 1;
 
+using match::Board;
 using match::Move;
-
-Square SquareOf(engine::Square square) {
-    return {engine::FileOf(square) + 1, 8 - engine::RankOf(square)};
-}
 
 class PlayedGame {
   public:
     PlayedGame(ProgramWindow& program, match::Player& player, engine::Color user)
-        : program_(program), eye_(program.Eye()), player_(player), user_(user) {}
+        : program_(program), eye_(*program.Eye), player_(player), user_(user) {}
 
-    void Play(std::size_t level) {
-        program_.ChooseLevel(level);
-        program_.StartGame(user_ == engine::Black);
+    void Play(int level) {
+        program_.Choose({OptionsMenu, StrengthMenu, level - 1});
+        program_.Choose({GameMenu, user_ == engine::Black ? NewAsBlack : NewAsWhite});
+        eye_.Flipped = ToTruth(user_ == engine::Black);
         while (!IsOver()) {
             if (game_.SideToMove() == user_) {
                 PlayUsersMove();
@@ -41,7 +40,10 @@ class PlayedGame {
             }
         }
         ShowEnd();
-        program_.SaveGame("game.txt");
+        std::filesystem::remove("game.txt"); // the dialog would ask before it replaced one
+        program_.Choose({GameMenu, SaveItem});
+        program_.AnswerDialog("Enter a file name of your game to save.", "game.txt");
+        program_.AwaitSleep();
     }
 
   private:
@@ -54,7 +56,7 @@ class PlayedGame {
 
     void PlayUsersMove() {
         if (game_.Plies() % 20 < 2 && game_.Plies() >= 20) {
-            program_.Keep("move-" + std::to_string(game_.Plies() / 2));
+            program_.Keep("move-" + std::to_string(game_.Plies() / 2) + ".png");
         }
         const match::Answer answer = player_.Choose(game_);
         Move move = match::FindMove(game_.Position(), answer.Text);
@@ -62,32 +64,19 @@ class PlayedGame {
         // The Options menu is left at its choice for pawns.
         if (move.IsPromotion()) move = Move(move.From(), move.To(), engine::MoveKind::Promotion, engine::Queen);
 
-        const Square from = SquareOf(move.From());
         if (game_.Plies() / 2 % 2 == 0) {
-            program_.Click(from);
-            program_.AwaitBoard("a selection", [&] { return eye_.Mark(from) == SquareMark::Origin; });
-            program_.Click(SquareOf(move.To()));
+            program_.Click(move.From());
+            program_.AwaitBoard("a selection", [&] { return eye_.Mark(SquareOf(move.From())) == SquareMark::Origin; });
+            program_.Click(move.To());
         } else {
-            program_.Drag(from, SquareOf(move.To()));
+            program_.Drag(move);
         }
         Note(move, answer.ScoreCp);
     }
 
     void ReadProgramsMove() {
-        engine::MoveBuffer replies;
-        engine::GenerateMoves(game_.Position(), replies);
-        Move reply;
-        program_.Await("a legal move", [&] {
-            TakeMessageAway(); // it would cover the mating move
-            if (!eye_.Look() || !eye_.Idle()) return false;
-            for (const Move move : replies) {
-                engine::Board after = game_.Position();
-                after.Make(move);
-                if (eye_.ShowsBoardOf(engine::RecordFromBoard(after))) reply = move;
-            }
-            return static_cast<bool>(reply);
-        });
-        Note(reply, std::nullopt);
+        Board board = game_.Position();
+        Note(program_.AwaitReply(board), std::nullopt);
     }
 
     void Note(Move move, std::optional<int> scoreCp) {
@@ -101,20 +90,10 @@ class PlayedGame {
     void ShowEnd() {
         std::cout << match::NameOf(end_->How) << std::endl;
         if (engine::CountMoves(game_.Position()) == 0) {
-            program_.Await("a message", [&] { return TakeMessageAway() || announced_; });
+            program_.Await("a message", [&] { return program_.TakeMessageAway() || program_.MessagesTaken > 0; });
         }
-        program_.AwaitBoard("the last position", [&] {
-            return eye_.Idle() && eye_.ShowsBoardOf(engine::RecordFromBoard(game_.Position()));
-        });
-        program_.Keep("end");
-    }
-
-    bool TakeMessageAway() {
-        if (program_.MessageBox() == 0) return false;
-        program_.Keep("end-message");
-        program_.PressOk();
-        announced_ = true;
-        return true;
+        program_.AwaitBoard("the last position", [&] { return eye_.Idle() && program_.Shows(game_.Position()); });
+        program_.Keep("end.png");
     }
 
     ProgramWindow& program_;
@@ -123,7 +102,6 @@ class PlayedGame {
     engine::Color user_;
     match::Game game_;
     std::optional<match::Outcome> end_;
-    bool announced_ = false; ///< a message has told the end
 };
 
 } // namespace
@@ -139,12 +117,17 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
+        xdriver::EnterVirtualDisplay(argv);
         const auto player = match::MakePlayer({"user", words[5], {}, {match::Limit::Kind::MoveTimeMs, moveTimeMs}},
                                               match::WatchSignals());
         player->NewGame(1);
-        xdriver::ProgramWindow program(words[1], words[6]);
+        const auto file = std::filesystem::absolute(words[1]);
+        std::filesystem::create_directories(words[6]);
+        std::filesystem::current_path(words[6]);
+        xdriver::ProgramWindow program;
+        program.Start(file);
         const engine::Color user = words[3] == "white" ? engine::White : engine::Black;
-        xdriver::PlayedGame(program, *player, user).Play(static_cast<std::size_t>(level));
+        xdriver::PlayedGame(program, *player, user).Play(level);
     } catch (const std::exception& failure) {
         std::cerr << "game: " << failure.what() << "\n";
         return 1;

@@ -10,7 +10,9 @@ namespace quarnel::xdriver {
 namespace {
 
 constexpr int InnerWidth = 361;
-constexpr int Border = 6; // pixels: a mark, and two that stretching mixes with it
+constexpr int InnerHeight = 362;
+constexpr int WordGap = 6; // pixels: more than between letters or words, less than between captions
+constexpr int Border = 6;  // pixels: a mark, and two that stretching mixes with it
 constexpr Colour FrameColour = Rgb(89, 0, 0);
 constexpr Colour LightSquare = Rgb(209, 160, 120);
 constexpr Colour DarkSquare = Rgb(131, 66, 38);
@@ -42,19 +44,31 @@ bool BoardEye::Look() {
     if (!FindZoom()) return false;
     const auto& samples = SamplesOfZoom();
     bool whole = true;
-    for (int row = 1; row <= 8; ++row) {
-        for (int file = 1; file <= 8; ++file) whole = ReadSquare(samples, file, row) && whole;
-    }
+    for (int cell = 0; cell < 64; ++cell) whole = ReadSquare(samples, {cell % 8 + 1, cell / 8 + 1}) && whole;
     return whole;
 }
 
-// The window's width tells the zoom, and the frame begins where its colour does.
+// The window's width tells the zoom, and the frame is what its lower part shows.
 bool BoardEye::FindZoom() {
-    for (zoom_ = 0.75; zoom_ <= 2.5 && RoundHalfEven(InnerWidth * zoom_) != picture_.Width();) zoom_ += 0.25;
-    if (zoom_ > 2.5) return false;
-    menuHeight_ = 0;
-    while (menuHeight_ < picture_.Height() && picture_.At(1, menuHeight_) != FrameColour) ++menuHeight_;
-    return picture_.Height() - menuHeight_ + 1 >= 362 * zoom_;
+    zoom_ = std::round(4.0 * picture_.Width() / InnerWidth) / 4;
+    menuHeight_ = picture_.Height() - RoundHalfEven(InnerHeight * zoom_);
+    return zoom_ >= 0.75 && zoom_ <= 2.5 && RoundHalfEven(InnerWidth * zoom_) == picture_.Width() && menuHeight_ > 0 &&
+           picture_.At(1, menuHeight_) == FrameColour;
+}
+
+std::vector<int> BoardEye::Captions() const {
+    std::vector<int> middles;
+    int first = 0;
+    int last = -WordGap - 1;
+    for (int x = 0; x < picture_.Width(); ++x) {
+        bool inked = false;
+        for (int y = 3; y < menuHeight_ - 3; ++y) inked |= picture_.At(x, y) != picture_.At(x, 2);
+        if (!inked) continue;
+        if (x - last > WordGap) middles.push_back(first = x);
+        middles.back() = (first + x) / 2;
+        last = x;
+    }
+    return middles;
 }
 
 const std::vector<BoardEye::Sample>& BoardEye::SamplesOfZoom() {
@@ -79,26 +93,23 @@ const std::vector<BoardEye::Sample>& BoardEye::SamplesOfZoom() {
     return samples;
 }
 
-bool BoardEye::ReadSquare(const std::vector<Sample>& samples, int file, int row) {
-    const PixelPoint corner = SquareCorner({file, row}, Flipped);
+bool BoardEye::ReadSquare(const std::vector<Sample>& samples, Square square) {
+    const PixelPoint corner = SquareCorner(square, Flipped);
+    const auto first = [&](int edge) { return static_cast<int>(std::ceil((edge + Border) * zoom_)); };
+    const auto end = [&](int edge) { return static_cast<int>((edge + PieceSize - Border) * zoom_); };
     for (const Sample& sample : samples) {
-        if (!ShowsSquareOf(sample, corner)) continue;
-        pieces_[row][file] = sample.Piece;
-        grounds_[row][file] = sample.Ground;
+        bool same = true;
+        for (int y = first(corner.Y); same && y < end(corner.Y); ++y) {
+            for (int x = first(corner.X); x < end(corner.X); ++x) {
+                same = same && picture_.At(x, y + menuHeight_) == sample.Frame.At(x, y);
+            }
+        }
+        if (!same) continue;
+        pieces_[square.Row][square.File] = sample.Piece;
+        grounds_[square.Row][square.File] = sample.Ground;
         return true;
     }
     return false;
-}
-
-bool BoardEye::ShowsSquareOf(const Sample& sample, PixelPoint corner) const {
-    const auto first = [&](int edge) { return static_cast<int>(std::ceil((edge + Border) * zoom_)); };
-    const auto end = [&](int edge) { return static_cast<int>((edge + PieceSize - Border) * zoom_); };
-    for (int y = first(corner.Y); y < end(corner.Y); ++y) {
-        for (int x = first(corner.X); x < end(corner.X); ++x) {
-            if (picture_.At(x, y + menuHeight_) != sample.Frame.At(x, y)) return false;
-        }
-    }
-    return true;
 }
 
 bool BoardEye::ShowsBoardOf(const Position& position) const {
@@ -124,8 +135,7 @@ bool BoardEye::ShowsButton(int button) const {
 
 Surface BoardEye::Strip() const {
     const PixelPoint from = InWindow(181, 347);
-    const PixelPoint to = InWindow(332, 361);
-    Surface strip(to.X - from.X, to.Y - from.Y);
+    Surface strip(static_cast<int>(151 * zoom_), static_cast<int>(14 * zoom_));
     BitBlt(strip, 0, 0, strip.Width(), strip.Height(), picture_, from.X, from.Y, RasterOp::SrcCopy);
     return strip;
 }

@@ -42,10 +42,15 @@ class BoardEye {
     /// The status strip's pixels.
     Surface Strip() const;
 
+    /// A position in the frame, counted at 100 %, as one in the window.
+    PixelPoint InWindow(double x, double y) const;
     PixelPoint Middle(Square square) const;
     PixelPoint MiddleOfButton(int button) const;
     int MenuHeight() const { return menuHeight_; }
-    const Surface& Picture() const { return picture_; }
+    /// The middles of the menu bar's captions, left to right.
+    std::vector<int> Captions() const;
+    /// The colour of a pixel of the frame; black outside of the window.
+    Colour At(double x, double y) const;
 
   private:
     // One piece on one ground, on all squares.
@@ -57,12 +62,8 @@ class BoardEye {
 
     bool FindZoom();
     const std::vector<Sample>& SamplesOfZoom();
-    bool ReadSquare(const std::vector<Sample>& samples, int file, int row);
-    bool ShowsSquareOf(const Sample& sample, PixelPoint corner) const;
+    bool ReadSquare(const std::vector<Sample>& samples, Square square);
     bool LightAt(int x, int y) const;
-    // A frame position in the window.
-    PixelPoint InWindow(double x, double y) const;
-    Colour At(double x, double y) const;
 
     WindowDriver& driver_;
     WindowId window_;
