@@ -89,5 +89,15 @@ TEST(Search, ReportsLinesOfLegalMovesBestFirst) {
     }
 }
 
+TEST(Search, BelievesAHelperThatGotAsFarWithABetterMoveOrFurtherWithNoWorseOne) {
+    const struct {
+        std::vector<WorkerResult> Results;
+        std::size_t Best;
+    } cases[] = {{{{9, 10, true}, {9, 10, true}, {9, 30, true}, {8, 99, true}}, 2},
+                 {{{9, 10, true}, {10, 10, true}, {11, 5, true}}, 1},
+                 {{{9, 10, true}, {9, -10, true}, {12, 50, false}}, 0}};
+    for (const auto& c : cases) EXPECT_EQ(BestResult(c.Results), c.Best);
+}
+
 } // namespace
 } // namespace quarnel::engine
