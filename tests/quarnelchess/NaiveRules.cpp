@@ -15,10 +15,6 @@ bool IsWhite(char piece) {
 char Lower(char piece) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(piece)));
 }
-bool Inside(int file, int rank) {
-    return file >= 0 && file < 8 && rank >= 0 && rank < 8;
-}
-
 /// Could the piece on the square go to the other one, whose turn and whose king aside?
 bool Reaches(const Game& game, int file, int rank, int toFile, int toRank) {
     const int df = toFile - file;
@@ -37,25 +33,17 @@ bool Reaches(const Game& game, int file, int rank, int toFile, int toRank) {
     return true;
 }
 
-void PawnMoves(const Game& game, int file, int rank, std::vector<Move>& moves) {
+/// The move of the one to move, but for what becomes of the king.
+bool Goes(const Game& game, int file, int rank, int toFile, int toRank) {
+    const char target = game.Squares[toRank][toFile];
+    if (target != '.' && IsWhite(target) == game.WhiteToMove) return false;
+    const bool captures = Reaches(game, file, rank, toFile, toRank);
+    if (Lower(game.Squares[rank][file]) != 'p') return captures;
+    if (captures) return target != '.' || (toFile == game.EpFile && rank == (game.WhiteToMove ? 4 : 3));
     const int up = game.WhiteToMove ? 1 : -1;
-    const auto add = [&](int toFile, int toRank) {
-        if (toRank != 0 && toRank != 7) {
-            moves.push_back({file, rank, toFile, toRank, 0});
-            return;
-        }
-        for (const char promotion : std::string("qrbn")) moves.push_back({file, rank, toFile, toRank, promotion});
-    };
-    if (game.Squares[rank + up][file] == '.') {
-        add(file, rank + up);
-        if (rank == (game.WhiteToMove ? 1 : 6) && game.Squares[rank + 2 * up][file] == '.') add(file, rank + 2 * up);
-    }
-    for (const int toFile : {file - 1, file + 1}) {
-        if (!Inside(toFile, rank + up)) continue;
-        const char target = game.Squares[rank + up][toFile];
-        const bool enPassant = target == '.' && toFile == game.EpFile && rank == (game.WhiteToMove ? 4 : 3);
-        if (enPassant || (target != '.' && IsWhite(target) != game.WhiteToMove)) add(toFile, rank + up);
-    }
+    if (file != toFile || target != '.') return false;
+    return toRank == rank + up ||
+           (toRank == rank + 2 * up && rank == (game.WhiteToMove ? 1 : 6) && game.Squares[rank + up][file] == '.');
 }
 
 void Castling(const Game& game, std::vector<Move>& moves) {
@@ -80,14 +68,8 @@ Game Read(const std::string& fen) {
     std::memset(game.Squares, '.', sizeof game.Squares);
     int next = 56; // the square to fill, a1 = 0
     for (const char c : placement) {
-        if (c == '/') {
-            next -= 16;
-        } else if (std::isdigit(static_cast<unsigned char>(c)) != 0) {
-            next += c - '0';
-        } else {
-            game.Squares[next / 8][next % 8] = c;
-            ++next;
-        }
+        if (std::isalpha(static_cast<unsigned char>(c)) != 0) game.Squares[next / 8][next % 8] = c;
+        next += c == '/' ? -16 : std::isdigit(static_cast<unsigned char>(c)) != 0 ? c - '0' : 1;
     }
     game.WhiteToMove = side == "w";
     for (int i = 0; i < 4; ++i) game.Castle[i] = castling.find("KQkq"[i]) != std::string::npos;
@@ -96,42 +78,34 @@ Game Read(const std::string& fen) {
 }
 
 bool Attacked(const Game& game, int file, int rank, bool byWhite) {
-    for (int r = 0; r < 8; ++r)
-        for (int f = 0; f < 8; ++f)
-            if (game.Squares[r][f] != '.' && IsWhite(game.Squares[r][f]) == byWhite && Reaches(game, f, r, file, rank))
-                return true;
+    for (int i = 0; i < 64; ++i) {
+        const char piece = game.Squares[i / 8][i % 8];
+        if (piece != '.' && IsWhite(piece) == byWhite && Reaches(game, i % 8, i / 8, file, rank)) return true;
+    }
     return false;
 }
 
 bool InCheck(const Game& game, bool white) {
-    for (int r = 0; r < 8; ++r)
-        for (int f = 0; f < 8; ++f)
-            if (game.Squares[r][f] == (white ? 'K' : 'k')) return Attacked(game, f, r, !white);
-    return false;
+    int king = 0;
+    while (king < 63 && game.Squares[king / 8][king % 8] != (white ? 'K' : 'k')) ++king;
+    return Attacked(game, king % 8, king / 8, !white);
 }
 
 std::vector<Move> LegalMoves(const Game& game) {
     std::vector<Move> moves;
-    for (int rank = 0; rank < 8; ++rank) {
-        for (int file = 0; file < 8; ++file) {
-            const char piece = game.Squares[rank][file];
-            if (piece == '.' || IsWhite(piece) != game.WhiteToMove) continue;
-            if (Lower(piece) == 'p') {
-                PawnMoves(game, file, rank, moves);
-                continue;
-            }
-            for (int r = 0; r < 8; ++r)
-                for (int f = 0; f < 8; ++f)
-                    if (Reaches(game, file, rank, f, r) &&
-                        (game.Squares[r][f] == '.' || IsWhite(game.Squares[r][f]) != game.WhiteToMove))
-                        moves.push_back({file, rank, f, r, 0});
+    for (int from = 0; from < 64; ++from) {
+        const char piece = game.Squares[from / 8][from % 8];
+        if (piece == '.' || IsWhite(piece) != game.WhiteToMove) continue;
+        for (int to = 0; to < 64; ++to) {
+            if (!Goes(game, from % 8, from / 8, to % 8, to / 8)) continue;
+            const bool promotes = Lower(piece) == 'p' && (to / 8 == 0 || to / 8 == 7);
+            for (const char promotion : promotes ? std::string("qrbn") : std::string(1, '\0'))
+                moves.push_back({from % 8, from / 8, to % 8, to / 8, promotion});
         }
     }
     Castling(game, moves);
-    std::vector<Move> legal;
-    for (const Move& move : moves)
-        if (!InCheck(Play(game, move), game.WhiteToMove)) legal.push_back(move);
-    return legal;
+    std::erase_if(moves, [&](const Move& move) { return InCheck(Play(game, move), game.WhiteToMove); });
+    return moves;
 }
 
 Game Play(const Game& game, const Move& move) {

@@ -25,6 +25,12 @@ inline Board BoardOf(const char* fen) {
     return ReadFen(fen).value();
 }
 
+inline MoveBuffer MovesOf(const Board& board) {
+    MoveBuffer moves;
+    GenerateMoves(board, moves);
+    return moves;
+}
+
 /// Plays `games` random games of at most `plies` plies from every test position and shows each position.
 inline void ForRandomPositions(int games, int plies, const std::function<void(const Board&)>& visit) {
     std::mt19937 random(20);
@@ -33,8 +39,7 @@ inline void ForRandomPositions(int games, int plies, const std::function<void(co
             Board board = BoardOf(fen);
             for (int ply = 0; ply < plies; ++ply) {
                 visit(board);
-                MoveBuffer moves;
-                GenerateMoves(board, moves);
+                const MoveBuffer moves = MovesOf(board);
                 if (moves.Empty()) break;
                 board.Make(moves[random() % moves.Size()]);
             }

@@ -85,8 +85,7 @@ bool WinsAfter(const Board& board, Move move) {
         return next.Pieces(Pawn) != 0 &&
                KingPawnEndingIsWon(White, next.KingSquare(White), LowestSquare(next.Pieces(Pawn)),
                                    next.KingSquare(Black), next.SideToMove());
-    MoveBuffer replies;
-    GenerateMoves(next, replies);
+    const MoveBuffer replies = MovesOf(next);
     return (move.PromotionKind() == Queen || move.PromotionKind() == Rook) && (!replies.Empty() || next.InCheck()) &&
            std::none_of(replies.begin(), replies.end(), [&](Move reply) { return next.IsCapture(reply); });
 }
@@ -106,8 +105,7 @@ TEST(Endgames, KingAndPawnTableAgreesWithItsOwnSuccessors) {
         const std::optional<Board> board = builder.Build();
         if (!board || pawn == white || pawn == black) continue;
         ++checked;
-        MoveBuffer moves;
-        GenerateMoves(*board, moves);
+        const MoveBuffer moves = MovesOf(*board);
         const auto wins = [&](Move move) { return WinsAfter(*board, move); };
         const bool expected =
             side == White ? std::any_of(moves.begin(), moves.end(), wins)

@@ -18,8 +18,7 @@ using Player = std::function<Move(const Board&, const std::vector<Key>&)>;
 double PlayGame(Board board, const Player& white, const Player& black) {
     std::vector<Key> earlier;
     for (int ply = 0; ply < 300; ++ply) {
-        MoveBuffer moves;
-        GenerateMoves(board, moves);
+        const MoveBuffer moves = MovesOf(board);
         if (moves.Empty()) return !board.InCheck() ? 0.5 : board.SideToMove() == White ? 0.0 : 1.0;
         const auto seen = std::count(earlier.begin(), earlier.end(), board.PositionKey());
         if (seen >= 2 || board.HalfmoveClock() >= 100 || board.InsufficientMaterial()) return 0.5;
@@ -42,11 +41,9 @@ Player Engine(Search& search, int skill, std::uint64_t nodes = 0) {
 /// Takes the most valuable piece in sight if `greedy`; otherwise, or when there is none, anything at all.
 Player Beginner(std::mt19937& random, bool greedy) {
     return [&random, greedy](const Board& board, const std::vector<Key>&) {
-        MoveBuffer moves;
-        GenerateMoves(board, moves);
         std::vector<Move> best;
         int bestPrey = -1;
-        for (const Move move : moves) {
+        for (const Move move : MovesOf(board)) {
             const int prey =
                 greedy && board.IsCapture(move)
                     ? board.At(move.To()) == NoPiece ? ExchangeValue[Pawn] : ExchangeValue[KindOf(board.At(move.To()))]
@@ -143,10 +140,8 @@ TEST(Handicap, WeakerPlayersSeeLessAndOverlookMoreByTheOccasion) {
         EXPECT_GE(weaker.OverlookQuietPermille, stronger.OverlookQuietPermille) << skill;
     }
     const Handicap handicap = HandicapFor(10, board);
-    MoveBuffer moves;
-    GenerateMoves(board, moves);
     std::vector<bool> overlooked[2];
-    for (const Move move : moves)
+    for (const Move move : MovesOf(board))
         for (const int occasion : {0, 1}) overlooked[occasion].push_back(Overlooks(handicap, board, move, occasion));
     EXPECT_NE(overlooked[0], overlooked[1]);
     EXPECT_GT(std::count(overlooked[0].begin(), overlooked[0].end(), true), 8); // of twenty, most

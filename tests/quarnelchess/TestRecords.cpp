@@ -47,8 +47,7 @@ TEST(Records, ListAndPlayTheBoardsMovesByFastAndByLooseRules) {
         ListLooseMoves(before, board.SideToMove(), loose);
         ASSERT_EQ(Listed(before, board.SideToMove()), SortedBytes(loose)) << WriteFen(board);
         ASSERT_EQ(KingAttacked(before, board.SideToMove()), board.InCheck());
-        MoveBuffer moves;
-        GenerateMoves(board, moves);
+        const MoveBuffer moves = MovesOf(board);
         ASSERT_EQ(moves.Size(), loose.Count);
         for (const Move move : moves) {
             const MoveRec record = RecordFromMove(board, move);
@@ -99,20 +98,13 @@ TEST(Records, ListTheColourAskedForWhoeverIsToMove) {
 
 TEST(Records, PlayWhatTheyAreToldAndNothingElse) {
     const Position start = RecordOf("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
+    // Nothing, results, no piece there, off the board, no such castling.
     const MoveBytes ignored[] = {
-        {},                   // nothing
-        {0, 0, 0, 0, 0, 250}, // results
-        {0, 0, 0, 0, 0, 251}, //
-        {5, 7, 5, 5, 0, 252}, //
-        {5, 5, 5, 4},         // no piece there
-        {9, 7, 5, 5},         // off the board
-        {5, 7, 5, 9},         //
-        {5, 8, 0, 0, 3},      // no such castling
-        {4, 8, 0, 0, 1},      //
-    };
+        {},           {0, 0, 0, 0, 0, 250}, {0, 0, 0, 0, 0, 251}, {5, 7, 5, 5, 0, 252}, {5, 5, 5, 4},
+        {9, 7, 5, 5}, {5, 7, 5, 9},         {5, 8, 0, 0, 3},      {4, 8, 0, 0, 1}};
     for (const MoveBytes& bytes : ignored) {
         const Position after = After(start, bytes);
-        EXPECT_EQ(std::memcmp(&after, &start, sizeof start), 0) << static_cast<int>(bytes[5]);
+        EXPECT_EQ(std::memcmp(&after, &start, sizeof start), 0) << testing::PrintToString(bytes);
     }
 
     // A knight that leaps from b1 to f6, of all places, takes what stands there.

@@ -86,44 +86,40 @@ const char* const Middlegame = "setboard r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/
 const char* const Start = "setboard rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 
 TEST(Session, AnswersEachConversationWithItsTextsAndNoOthers) {
-    const Dialogue::Lines idle;
     const Dialogue::Lines thinking = {"skill 100 100", Middlegame, "h3"};
     const struct {
-        Dialogue::Lines Before; // the rest comes while the engine is still busy with these
         Dialogue::Lines Lines;
         std::vector<std::string> Texts;
+        Dialogue::Lines Before = {}; // with which the engine is still busy when the lines come
     } cases[] = {
         // Numbered by the plies that the engine is told.
-        {idle, {OnlyReply, "white", "movenumber 0", "go"}, {"White(1): Kxa2 "}},
-        {idle, {OnlyReply, "white", "movenumber 1", "go"}, {"White(1): Kxa2 "}},
-        {idle, {OnlyReply, "white", "movenumber 24", "go"}, {"White(13): Kxa2 "}},
-        {idle, {"setboard 7K/8/8/8/8/8/Q7/k7 b - -", "black", "movenumber 25", "go"}, {"Black(13): Kxa2 "}},
-        {idle, {"setboard 7k/q7/8/8/8/8/8/K7 b - -", "black", "movenumber 7", "Qa2"}, {"White(5): Kxa2 "}},
+        {{OnlyReply, "white", "movenumber 0", "go"}, {"White(1): Kxa2 "}},
+        {{OnlyReply, "white", "movenumber 1", "go"}, {"White(1): Kxa2 "}},
+        {{OnlyReply, "white", "movenumber 24", "go"}, {"White(13): Kxa2 "}},
+        {{"setboard 7K/8/8/8/8/8/Q7/k7 b - -", "black", "movenumber 25", "go"}, {"Black(13): Kxa2 "}},
+        {{"setboard 7k/q7/8/8/8/8/8/K7 b - -", "black", "movenumber 7", "Qa2"}, {"White(5): Kxa2 "}},
         // The engine mates: first its move, then the announcement. The user does: the announcement alone.
-        {idle, {BackRank, "white", "movenumber 8", "go"}, {"White(5): Ra8 ", "White mates"}},
-        {idle,
-         {"setboard r3k3/8/8/8/8/8/5PPP/6K1 b - -", "black", "movenumber 9", "go"},
-         {"Black(5): Ra1 ", "Black mates"}},
-        {idle, {BackRank, "white", "movenumber 8", "Ra8"}, {"White mates"}},
-        {idle, {"setboard 7k/8/6K1/8/8/8/8/5Q2 w - -", "white", "movenumber 8", "Qf7"}, {"stalemate"}},
-        {idle, {"setboard 7k/5Q2/6K1/8/8/8/8/8 b - -", "black", "movenumber 9", "go"}, {"stalemate"}},
+        {{BackRank, "white", "movenumber 8", "go"}, {"White(5): Ra8 ", "White mates"}},
+        {{"setboard r3k3/8/8/8/8/8/5PPP/6K1 b - -", "black", "movenumber 9", "go"}, {"Black(5): Ra1 ", "Black mates"}},
+        {{BackRank, "white", "movenumber 8", "Ra8"}, {"White mates"}},
+        {{"setboard 7k/8/6K1/8/8/8/8/5Q2 w - -", "white", "movenumber 8", "Qf7"}, {"stalemate"}},
+        {{"setboard 7k/5Q2/6K1/8/8/8/8/8 b - -", "black", "movenumber 9", "go"}, {"stalemate"}},
         // A drawn game goes on, as does one without kings, and codes that are no pieces harm nobody.
-        {idle,
-         {"setboard 7k/8/8/8/8/8/8/K7 w - -", "skill 100 3", "go", "force", "go", "force", "go", "force"},
+        {{"setboard 7k/8/8/8/8/8/8/K7 w - -", "skill 100 3", "go", "force", "go", "force", "go", "force"},
          {"White(1): * ", "Black(1): * ", "White(2): * "}},
-        {idle, {"setboard 8/8/8/8/p7/8/8/4R3 w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
-        {idle, {"setboard k7/8/8/3V4/8/8/8/K3R2v w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
+        {{"setboard 8/8/8/8/p7/8/8/4R3 w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
+        {{"setboard k7/8/8/3V4/8/8/8/K3R2v w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
         // "force" plays nothing but the move of a search, once.
-        {idle, {"force", "force", "skill 100 1", "e4"}, {"White(0): - ", "White(0): - ", "Black(1): * "}},
-        {thinking, {"go", "force", "force"}, {"Black(1): * ", "White(0): - "}},
-        {thinking, {"force", "skill 100 1", "Kh1"}, {"Black(1): * ", "Black(2): * "}},
-        {thinking, {"Kh1", "Ke2", "force"}, {"Illegal now.", "Illegal now.", "Black(1): * "}},
+        {{"force", "force", "skill 100 1", "e4"}, {"White(0): - ", "White(0): - ", "Black(1): * "}},
+        {{"go", "force", "force"}, {"Black(1): * ", "White(0): - "}, thinking},
+        {{"force", "skill 100 1", "Kh1"}, {"Black(1): * ", "Black(2): * "}, thinking},
+        {{"Kh1", "Ke2", "force"}, {"Illegal now.", "Illegal now.", "Black(1): * "}, thinking},
         // A new game ends the search, too, with its one line, whether "force" comes before it or not.
-        {thinking,
-         {"force", Start, "white", "movenumber 0", "skill 100 5", "sync", "go"},
-         {"Black(1): * ", "White(1): * "}},
-        {thinking, {OnlyReply, "skill 100 1", "go"}, {"Black(1): * ", "White(1): Kxa2 "}},
-        {thinking, {"new", "skill 100 1", "e4"}, {"Black(1): * ", "Black(1): * "}},
+        {{"force", Start, "white", "movenumber 0", "skill 100 5", "sync", "go"},
+         {"Black(1): * ", "White(1): * "},
+         thinking},
+        {{OnlyReply, "skill 100 1", "go"}, {"Black(1): * ", "White(1): Kxa2 "}, thinking},
+        {{"new", "skill 100 1", "e4"}, {"Black(1): * ", "Black(1): * "}, thinking},
     };
     for (const auto& c : cases) {
         Dialogue d;

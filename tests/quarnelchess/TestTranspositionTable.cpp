@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 
 namespace quarnel::engine {
 namespace {
@@ -14,12 +15,9 @@ TEST(TranspositionTable, GivesBackWhatItWasGivenUntilSomethingBetterNeedsTheRoom
         EXPECT_FALSE(table.Probe(42, entry));
         table.Store(42, {Move(12, 28), value, -value, 77, Bound::Lower, true});
         ASSERT_TRUE(table.Probe(42, entry));
-        EXPECT_EQ(entry.Value, value);
-        EXPECT_EQ(entry.StaticEval, -value);
         EXPECT_EQ(entry.Best, Move(12, 28));
-        EXPECT_EQ(entry.Depth, 77);
-        EXPECT_EQ(entry.Kind, Bound::Lower);
-        EXPECT_TRUE(entry.WasPv);
+        EXPECT_EQ(std::tuple(entry.Value, entry.StaticEval, entry.Depth, entry.Kind, entry.WasPv),
+                  std::tuple(value, -value, 77, Bound::Lower, true));
         table.Clear();
     }
     // Neighbouring keys share a cluster of four: the shallowest makes room, after a few searches all old ones do.
