@@ -17,73 +17,60 @@ namespace fs = std::filesystem;
 
 using Names = std::set<std::string>;
 
+// What a folder may include beside itself.
 const std::map<std::string, Names> Floors{
-    {"base", {}},
-    {"model", {"base", "QuarnelChess.h"}},
-    {"platform", {"base", "Pictures.h"}},
-    {"controls", {"platform", "base", "Pictures.h"}},
-    {"notation", {"model", "base"}},
-    {"engine", {"notation", "model", "platform", "base"}},
-    {"display", {"model", "platform", "base", "Pictures.h"}},
-    {"game", {"engine", "notation", "display", "controls", "model", "platform", "base"}},
-    {"app", {"game", "engine", "notation", "display", "controls", "model", "platform", "base", "Pictures.h"}},
+    {"src/base", {}},
+    {"src/model", {"base", "QuarnelChess.h"}},
+    {"src/platform", {"base", "Pictures.h"}},
+    {"src/controls", {"platform", "base", "Pictures.h"}},
+    {"src/notation", {"model", "base"}},
+    {"src/engine", {"notation", "model", "platform", "base"}},
+    {"src/display", {"model", "platform", "base", "Pictures.h"}},
+    {"src/game", {"engine", "notation", "display", "controls", "model", "platform", "base"}},
+    {"src/app", {"game", "engine", "notation", "display", "controls", "model", "platform", "base", "Pictures.h"}},
+    // The engine library shares one header with the program, and it belongs to the library.
+    {"quarnelchess/include", {"stdint.h"}},
+    {"quarnelchess/board", {}},
+    {"quarnelchess/evaluation", {"board"}},
+    {"quarnelchess/records", {"board", "QuarnelChess.h"}},
+    {"quarnelchess/search", {"evaluation", "board", "sys/mman.h"}},
+    {"quarnelchess/book", {"records", "board"}},
+    {"quarnelchess/library", {"book", "search", "records", "evaluation", "board", "QuarnelChess.h"}},
+    {"quarnelchess/uci", {"book", "search", "evaluation", "board"}},
 };
-
-// The engine library's rooms. Includes there start at the top of the repository: "quarnelchess/board/Board.h".
-const std::map<std::string, Names> EngineFloors{
-    {"board", {}},
-    {"evaluation", {"board"}},
-    {"records", {"board", "QuarnelChess.h"}},
-    {"search", {"evaluation", "board"}},
-    {"book", {"records", "board"}},
-    {"library", {"book", "search", "records", "evaluation", "board", "QuarnelChess.h"}},
-    {"uci", {"book", "search", "evaluation", "board"}},
-    {"include", {}},
-};
-
-// Memory in large pages is the operating system's to give; the shared header is C.
-const Names EngineSystemHeaders{"search/TranspositionTable.cpp: sys/mman.h", "include/QuarnelChess.h: stdint.h"};
+const std::string Engine = "quarnelchess/"; // includes there start with it; in src/ with the folder
 
 // Back ends bring the headers of their toolkit and their system; only main() and they may name them.
 bool IsBackEnd(const std::string& path) {
-    return path.starts_with("platform/qt/") || path.starts_with("platform/win32/");
+    return path.starts_with("src/platform/qt/") || path.starts_with("src/platform/win32/");
 }
 
+// "src/model" of "src/model/Rules.h".
 std::string FolderOf(const std::string& path) {
-    return path.substr(0, path.find('/'));
+    return path.substr(0, path.find('/', path.find('/') + 1));
 }
 
 const std::regex Include(R"(^\s*#\s*include\s*(["<])([^">]*).*)");
-const std::regex StandardHeader("[a-z_]+");
 
-// Whether `file`, a path inside quarnelchess/, may have this line.
-bool EngineMayHave(const std::string& file, const std::string& line) {
-    std::smatch match;
-    if (!std::regex_match(line, match, Include)) return true;
-    const std::string name = match[2];
-    const std::string room = FolderOf(file);
-    const std::string house = "quarnelchess/";
-    if (match[1] == "<")
-        return std::regex_match(name, StandardHeader) || EngineFloors.at(room).contains(name) ||
-               EngineSystemHeaders.contains(file + ": " + name);
-    if (!name.starts_with(house)) return false;
-    const std::string target = FolderOf(name.substr(house.size()));
-    return target == room || EngineFloors.at(room).contains(target);
-}
-
-// Whether `file`, a path inside src/, may have this line; a line that includes nothing may stand anywhere.
+// Whether `file`, a path from the top of the repository, may have this line; one that includes nothing may stand
+// anywhere.
 bool MayHave(const std::string& file, const std::string& line) {
+    static const std::regex standard("[a-z_]+");
     static const std::regex toolkit(R"(\bQ([A-Z][a-z]|t[A-Z_]|_[A-Z]))"); // QString, QtCore, but not QUARNEL_CALL
-    const bool knowsBackEnds = IsBackEnd(file) || file == "app/Main.cpp";
+    const bool knowsBackEnds = IsBackEnd(file) || file == "src/app/Main.cpp";
     if (!knowsBackEnds && std::regex_search(line, toolkit)) return false;
 
     std::smatch match;
     if (!std::regex_match(line, match, Include)) return true;
     const std::string name = match[2];
-    if (match[1] == "<") return IsBackEnd(file) || std::regex_match(name, StandardHeader);
-    if (IsBackEnd(name)) return knowsBackEnds;
-    const bool isOwn = name.starts_with(FolderOf(file) + "/");
-    return isOwn || Floors.at(FolderOf(file)).contains(FolderOf(name));
+    const std::string folder = FolderOf(file);
+    const Names& allowed = Floors.at(folder);
+    if (match[1] == "<") return IsBackEnd(file) || std::regex_match(name, standard) || allowed.contains(name);
+    if (file.starts_with(Engine) && !name.starts_with(Engine)) return false;
+    const std::string path = file.starts_with(Engine) ? name : "src/" + name;
+    if (IsBackEnd(path)) return knowsBackEnds;
+    const std::string target = FolderOf(path);
+    return target == folder || allowed.contains(target.substr(target.find('/') + 1));
 }
 
 template <class Check>
@@ -99,74 +86,67 @@ void ForEachLine(const fs::path& root, Check check) {
     }
 }
 
+// Of the program and the engine library, with paths from the top of the repository.
+template <class Check>
+void ForEachLineOfOurs(Check check) {
+    for (const std::string house : {"src/", "quarnelchess/"})
+        ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / house, [&](const std::string& file, const std::string& line,
+                                                              int number) { check(house + file, line, number); });
+}
+
 TEST(IncludeFloors, AreTheseEdgesAndNoOthers) {
     const struct {
         const char* File;
         const char* Line;
         bool Allowed;
-    } cases[] = {{"model/Rules.cpp", R"(#include "model/Rules.h")", true},
-                 {"model/Rules.cpp", R"(#include "base/Text.h" // why)", true},
-                 {"model/Rules.cpp", R"( # include "notation/LongText.h")", false},
-                 {"base/Text.h", R"(#include "model/Rules.h")", false},
-                 {"app/X.cpp", R"(#include "Program.h")", false},
-                 {"app/X.cpp", R"(#include "../app/Program.h")", false},
-                 {"app/X.cpp", R"(#include "quarnelchess/board/Board.h")", false},
-                 {"app/X.cpp", R"(#include "platform/qt/QtDesktop.h")", false},
-                 {"app/Main.cpp", R"(#include "platform/qt/QtDesktop.h")", true},
-                 {"model/X.h", R"(#include "QuarnelChess.h")", true},
-                 {"game/X.cpp", R"(#include "Pictures.h")", false},
-                 {"base/X.cpp", "#include <string_view>", true},
-                 {"base/X.cpp", "#include <unistd.h>", false},
-                 {"base/X.cpp", "QString name;", false},
-                 {"base/X.cpp", "QUARNEL_CALL Queen", true},
-                 {"platform/qt/X.cpp", "#include <QString>", true}};
+    } cases[] = {{"src/model/Rules.cpp", R"(#include "model/Rules.h")", true},
+                 {"src/model/Rules.cpp", R"(#include "base/Text.h" // why)", true},
+                 {"src/model/Rules.cpp", R"( # include "notation/LongText.h")", false},
+                 {"src/base/Text.h", R"(#include "model/Rules.h")", false},
+                 {"src/app/X.cpp", R"(#include "Program.h")", false},
+                 {"src/app/X.cpp", R"(#include "../app/Program.h")", false},
+                 {"src/app/X.cpp", R"(#include "quarnelchess/board/Board.h")", false},
+                 {"src/app/X.cpp", R"(#include "platform/qt/QtDesktop.h")", false},
+                 {"src/app/Main.cpp", R"(#include "platform/qt/QtDesktop.h")", true},
+                 {"src/model/X.h", R"(#include "QuarnelChess.h")", true},
+                 {"src/game/X.cpp", R"(#include "Pictures.h")", false},
+                 {"src/base/X.cpp", "#include <string_view>", true},
+                 {"src/base/X.cpp", "#include <unistd.h>", false},
+                 {"src/base/X.cpp", "QString name;", false},
+                 {"src/base/X.cpp", "QUARNEL_CALL Queen", true},
+                 {"src/platform/qt/X.cpp", "#include <QString>", true},
+                 {"quarnelchess/search/X.cpp", R"(#include "quarnelchess/board/Board.h")", true},
+                 {"quarnelchess/search/X.cpp", R"(#include "quarnelchess/search/Search.h")", true},
+                 {"quarnelchess/board/X.cpp", R"(#include "quarnelchess/evaluation/Weights.h")", false},
+                 {"quarnelchess/board/X.cpp", R"(#include "Board.h")", false},
+                 {"quarnelchess/search/X.cpp", R"(#include "base/Text.h")", false},
+                 {"quarnelchess/search/X.cpp", "#include <QuarnelChess.h>", false}};
     for (const auto& [file, line, allowed] : cases) EXPECT_EQ(MayHave(file, line), allowed) << file << ": " << line;
-    EXPECT_TRUE(EngineMayHave("search/X.cpp", R"(#include "quarnelchess/board/Board.h")"));
-    EXPECT_FALSE(EngineMayHave("board/X.cpp", R"(#include "quarnelchess/evaluation/Weights.h")"));
-    EXPECT_FALSE(EngineMayHave("board/X.cpp", R"(#include "Board.h")"));
-    EXPECT_FALSE(EngineMayHave("search/X.cpp", R"(#include "base/Text.h")"));
-    EXPECT_FALSE(EngineMayHave("search/X.cpp", "#include <QuarnelChess.h>"));
 }
 
-TEST(IncludeFloors, HoldInTheWholeProgram) {
+TEST(IncludeFloors, HoldInTheWholeHouse) {
     Names folders;
-    ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / "src",
-                [&](const std::string& file, const std::string& line, int number) {
-                    folders.insert(FolderOf(file));
-                    ASSERT_TRUE(Floors.contains(FolderOf(file))) << file << " stands on no floor";
-                    EXPECT_TRUE(MayHave(file, line)) << "src/" << file << ":" << number << ": " << line;
-                });
+    ForEachLineOfOurs([&](const std::string& file, const std::string& line, int number) {
+        folders.insert(FolderOf(file));
+        ASSERT_TRUE(Floors.contains(FolderOf(file))) << file << " stands on no floor";
+        EXPECT_TRUE(MayHave(file, line)) << file << ":" << number << ": " << line;
+    });
     EXPECT_EQ(folders.size(), Floors.size());
-}
-
-// The library and the program share one header, which belongs to the library.
-TEST(IncludeFloors, HoldInTheEngineLibrary) {
-    Names rooms;
-    ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / "quarnelchess",
-                [&](const std::string& file, const std::string& line, int number) {
-                    rooms.insert(FolderOf(file));
-                    ASSERT_TRUE(EngineFloors.contains(FolderOf(file))) << file << " stands in no room";
-                    EXPECT_TRUE(EngineMayHave(file, line)) << "quarnelchess/" << file << ":" << number << ": " << line;
-                });
-    EXPECT_EQ(rooms.size(), EngineFloors.size());
 }
 
 // A header and its source are one module; what it includes, even by a roundabout way, does not include it.
 TEST(IncludeFloors, HaveNoCircles) {
     std::map<std::string, Names> needs;
-    for (const std::string house : {"src/", "quarnelchess/"}) {
+    ForEachLineOfOurs([&](const std::string& file, const std::string& line, int) {
+        std::smatch match;
+        if (!std::regex_match(line, match, Include)) return;
         const auto moduleOf = [](const std::string& path) {
             return fs::path(path).replace_extension().generic_string();
         };
-        ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / house, [&](const std::string& file, const std::string& line, int) {
-            std::smatch match;
-            if (!std::regex_match(line, match, Include)) return;
-            const std::string named = match[2];
-            const std::string here = moduleOf(house + file);
-            const std::string there = moduleOf(named.starts_with(house) ? named : house + named);
-            if (here != there) needs[here].insert(there);
-        });
-    }
+        const std::string here = moduleOf(file);
+        const std::string there = moduleOf(file.starts_with(Engine) ? match[2].str() : "src/" + match[2].str());
+        if (here != there) needs[here].insert(there);
+    });
     ASSERT_GT(needs.size(), 50U);
     for (const auto& [start, direct] : needs) {
         Names reached;
