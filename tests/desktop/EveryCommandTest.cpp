@@ -215,6 +215,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
     }
 
     void StopTheEngine() {
+        Load(Me.Pawn); // which no book knows: an answer from there would come before it can be stopped
         Choose({OptionsMenu, StrengthMenu, 9});
         for (int way = 0; way < WayCount; ++way) {
             Listen();
