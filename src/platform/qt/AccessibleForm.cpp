@@ -188,6 +188,7 @@ class AccessibleCanvas : public QAccessibleWidget {
   private:
     // The toolkit owns what is registered, until it is told to delete it.
     static QAccessible::Id Register(std::unique_ptr<Part> part) {
+        // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the toolkit keeps it until then
         return QAccessible::registerAccessibleInterface(part.release());
     }
 
