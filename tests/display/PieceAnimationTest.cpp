@@ -35,7 +35,7 @@ TEST_F(AnimateMoveTest, ShowsThePieceOnItsWayAndNothingLeftBehind) {
         ExpectedFrame expected{.LastMove = {4, 4}, .Hidden = origin};
         expected.Floating = PieceAt(State().CurPos, origin.File, origin.Row);
         int elapsedMs = -29; // the first frame shows the board before the slide
-        Screen.BeforeProcess = [&] {
+        Screen.BeforeProcess = [&, durationMs = durationMs] {
             if (elapsedMs >= 0 && elapsedMs < durationMs) {
                 const double part = 1.0 * elapsedMs / durationMs;
                 expected.At = {RoundHalfEven(from.X + (to.X - from.X) * part),

@@ -45,7 +45,7 @@ TEST_F(ComputerMoves, TheEndOfTheGameIsAnnouncedInTheMessageBox) {
     for (const auto& [line, text] : cases) {
         Start();
         DragMove("e2", "e4");
-        Screen.Script = {[&] {
+        Screen.Script = {[&, text = text] {
             EXPECT_EQ(Game->Messages.Dialog().lbl_Prompt.Caption.Get(), text);
             Screen.Click(Game->Messages.Dialog().Ok);
         }};
