@@ -228,9 +228,9 @@ TEST_F(SearchTree, CountsWhatItWroteItselfInATableThatAges) {
     TheSearch.SetHash(1);
     int permille = 0;
     SearchLimits limits;
-    for (const std::uint64_t nodes : {300000, 5000}) {
+    for (const std::uint64_t nodes : {150000, 5000}) {
         limits.Nodes = nodes;
-        TheSearch.Run({BoardOf(TestPositions[nodes % 7]), {}}, limits,
+        TheSearch.Run({BoardOf(TestPositions[nodes > 5000 ? 1 : 2]), {}}, limits,
                       [&](const SearchInfo& info) { permille = info.HashPermille; });
         EXPECT_EQ(permille > 300, nodes > 5000) << permille;
     }
