@@ -3,6 +3,8 @@
 #include "quarnelchess/board/Fen.h"
 #include "quarnelchess/search/Search.h"
 
+#include <iterator>
+
 namespace quarnel::engine {
 namespace {
 
@@ -51,6 +53,10 @@ constexpr const char* Positions[] = {
     "8/5k2/8/3KP3/8/1r6/8/4R3 b - - 92 80",
 };
 
+// The last ones have few moves and are searched deeper, to where a passed turn is verified.
+constexpr std::size_t Endings = 4;
+constexpr int EndingDepthBonus = 5; // plies
+
 } // namespace
 
 std::uint64_t SignatureNodes(int depth) {
@@ -58,9 +64,11 @@ std::uint64_t SignatureNodes(int depth) {
     Search search(clock);
     search.SetHash(1);
     SearchLimits limits;
-    limits.Depth = depth;
     std::uint64_t nodes = 0;
-    for (const char* position : Positions) nodes += search.Run({ReadFen(position).value(), {}}, limits).Nodes;
+    for (std::size_t i = 0; i < std::size(Positions); ++i) {
+        limits.Depth = depth + (i < std::size(Positions) - Endings ? 0 : EndingDepthBonus);
+        nodes += search.Run({ReadFen(Positions[i]).value(), {}}, limits).Nodes;
+    }
     return nodes;
 }
 

@@ -8,8 +8,8 @@
 
 namespace quarnel::engine {
 
-/// Nodes of one thread that searches every position to `depth` plies, with a small table kept from one to the next,
-/// without the book.
+/// Nodes of one thread that searches every position to `depth` plies, endings deeper, with a small table kept from one
+/// to the next, without the book.
 std::uint64_t SignatureNodes(int depth);
 
 } // namespace quarnel::engine
