@@ -15,7 +15,7 @@ wanted=(
 )
 show=(
     xvfb openbox xauth      # a display where there is none
-    libx11-dev libxtst-dev libxdo-dev # driving a window by real events
+    libx11-dev libxdo-dev # driving a window by real events
 )
 check=(
     libgtest-dev libgmock-dev libbenchmark-dev # tests and benchmarks

@@ -1,7 +1,6 @@
 #include "window/WindowDriver.h"
 
 #include <X11/Xutil.h>
-#include <X11/extensions/XTest.h>
 #include <png.h>
 extern "C" {
 #include <xdo.h>
@@ -109,9 +108,8 @@ void WindowDriver::MoveTo(WindowId window, int x, int y) {
     if (const auto area = Area(window)) MoveOnScreen(area->Left + x, area->Top + y);
 }
 
-// By the device: the library's own way puts the pointer down at once, before clicks that are still on their way.
 void WindowDriver::MoveOnScreen(int x, int y) {
-    XTestFakeMotionEvent(xdo_->xdpy, -1, x, y, 0);
+    xdo_move_mouse(xdo_, x, y, 0);
     XSync(xdo_->xdpy, 0);
 }
 
