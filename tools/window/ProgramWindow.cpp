@@ -80,6 +80,7 @@ engine::Move ProgramWindow::AwaitReply(engine::Board& game) {
         }
         return reply && Eye->Mark(SquareOf(reply.To())) != SquareMark::None;
     });
+    AwaitSleep(); // the move's end: until then a command may still be refused
     game.Make(reply);
     return reply;
 }
