@@ -1,4 +1,5 @@
 #include "match/Options.h"
+#include "match/UciPlayer.h"
 
 #include <gtest/gtest.h>
 
@@ -50,7 +51,7 @@ TEST(Referee, EndsGamesByTheRulesAndForFaults) {
         for (int round = 0; round < 2; ++round) { // the second one with the same processes, or fresh ones
             Game game;
             std::string fault;
-            const Outcome outcome = PlayGame(*white, *black, {}, 1, Running, game, fault);
+            const Outcome outcome = PlayGame(*white, *black, {}, Running, game, fault);
             EXPECT_EQ(outcome.WhiteHalfPoints, points) << script;
             EXPECT_STREQ(NameOf(outcome.How), NameOf(how)) << script;
             EXPECT_EQ(game.Plies(), plies) << script;
@@ -88,7 +89,7 @@ TEST(Match, GoesOnAfterFaultsAndCountsThem) {
     Match match(setup, Running);
     match.Run();
     EXPECT_EQ(match.Standing().Pairs, (PairCounts{0, 0, 3, 0, 0})); // Black crashes, whoever it is
-    EXPECT_TRUE(match.Standing().Faults[0] == 3 && match.Standing().Faults[1] == 3);
+    EXPECT_TRUE(match.Standing().FaultsOf(0) == 3 && match.Standing().FaultsOf(1) == 3);
     setup.Players[1].Command = "/nowhere/engine 2>/dev/null";
     EXPECT_THROW(Match(setup, Running).Run(), std::runtime_error);
 }
@@ -122,14 +123,103 @@ TEST(Match, ResumesFromItsJournalAsIfNeverStopped) {
     std::filesystem::remove(journal);
 }
 
+/// A time that somebody moves on by hand.
+struct HandMovedTime {
+    GameClock::TimePoint Now{};
+    GameClock::Source Source() {
+        return [this] { return Now; };
+    }
+};
+
+TEST(GameClock, TakesWhatWasUsedAndGivesTheIncrement) {
+    using std::chrono::microseconds;
+    const struct {
+        int MarginMs;
+        std::vector<int> UsedUs; // by White's moves
+        std::int64_t LeftMs;     // after them
+        std::string Fault;       // at the last one
+    } cases[] = {{0, {0}, 1050, ""},
+                 {0, {300000, 1000}, 799, ""},
+                 {0, {300400}, 749, ""}, // shown rounded down
+                 {0, {1000000}, 50, ""},
+                 {0, {1000001}, 0, "thought for 1.001 s with 1 s left"},
+                 {0, {1000000, 50001}, 0, "thought for 0.051 s with 0.05 s left"},
+                 {20, {1020000}, 50, ""}, // the margin is no gift
+                 {20, {1020001}, 0, "thought for 1.021 s with 1 s left"}};
+    for (const auto& [marginMs, used, leftMs, fault] : cases) {
+        HandMovedTime time;
+        GameClock clock(ClockRules{1000, 50}, std::nullopt, marginMs, time.Source());
+        std::optional<std::string> overdrawn;
+        for (const int us : used) {
+            EXPECT_FALSE(overdrawn);
+            clock.Start(engine::White);
+            time.Now += microseconds(us);
+            overdrawn = clock.Stop();
+            clock.Start(engine::Black); // who has no clock
+            time.Now += std::chrono::hours(1);
+            EXPECT_FALSE(clock.Stop());
+        }
+        EXPECT_EQ(overdrawn.value_or(""), fault);
+        EXPECT_TRUE(overdrawn || clock.Times().LeftMs[engine::White] == leftMs) << leftMs;
+        EXPECT_FALSE(clock.Times().LeftMs[engine::Black]);
+    }
+    // Nothing left is still shown as a clock.
+    HandMovedTime time;
+    GameClock clock(std::nullopt, ClockRules{1000, 0}, 0, time.Source());
+    clock.Start(engine::Black);
+    time.Now += std::chrono::seconds(1);
+    EXPECT_FALSE(clock.Stop());
+    EXPECT_EQ(clock.Times().LeftMs[engine::Black], 1);
+}
+
+TEST(GameClock, IsToldToTheEngine) {
+    const Limit clock{Limit::Kind::Clock, 0, {1000, 50}};
+    const auto times = [](std::optional<ClockRules> white, std::optional<ClockRules> black) {
+        return GameClock(white, black, 0).Times();
+    };
+    EXPECT_EQ(GoCommand(clock, times(ClockRules{1000, 50}, ClockRules{700, 0})),
+              "go wtime 1000 btime 700 winc 50 binc 0");
+    EXPECT_EQ(GoCommand(clock, times(std::nullopt, ClockRules{700, 9})), "go btime 700 binc 9");
+    EXPECT_EQ(GoCommand({Limit::Kind::Depth, 3}, times(ClockRules{1000, 50}, std::nullopt)), "go depth 3");
+}
+
+TEST(GameClock, LosesTheGameForWhoeverOverdrawsIt) {
+    // Every look at the time finds it 10 ms later, so a move takes so long.
+    std::int64_t looks = 0;
+    MatchSetup setup = Scripted("e2e4 e7e5 e1e3");
+    setup.ClockSource = [&looks] { return GameClock::TimePoint(std::chrono::milliseconds(10 * ++looks)); };
+    for (const auto& [secondMs, how, plies] : {std::tuple{9, Ending::LostOnTime, 1}, {20, Ending::IllegalMove, 2}}) {
+        setup.Players[1].Thinking = {Limit::Kind::Clock, 0, {secondMs, 0}};
+        setup.Games = 2;
+        std::vector<GameResult> results;
+        Match match(setup, Running);
+        match.Run([&results](const Match&, const GameResult& result) { results.push_back(result); });
+        ASSERT_EQ(results.size(), 2U);
+        EXPECT_STREQ(NameOf(results[0].How), NameOf(how));
+        EXPECT_EQ(results[0].Plies, plies);
+        EXPECT_EQ(results[0].FirstHalfPoints, how == Ending::LostOnTime ? 2 : 0);
+        const bool late = how == Ending::LostOnTime;
+        const std::string summary = Summary(match);
+        const std::string own = late ? "losses on time 2, illegal moves 0" : "losses on time 0, illegal moves 1";
+        EXPECT_NE(summary.find("faults of second: " + own + ", crashes 0, hangs 0\n"), std::string::npos) << summary;
+    }
+}
+
 TEST(MatchArguments, AreReadOrRefused) {
     const std::string words = "--both nodes=5 --player cmd=a \"option.Clear Hash=x\" --player \"cmd=b -c\" movetime=9 "
                               "name=me --sprt -1.5,5 --draw 0,3 ";
     const MatchSetup setup = Read(words);
-    EXPECT_TRUE(setup.Players[0].Options[0].first == "Clear Hash" && setup.Players[0].PerMove.Value == 5);
-    EXPECT_TRUE(setup.Players[1].Command == "b -c" && setup.Players[1].PerMove.Value == 9);
+    EXPECT_TRUE(setup.Players[0].Options[0].first == "Clear Hash" && setup.Players[0].Thinking.Value == 5);
+    EXPECT_TRUE(setup.Players[1].Command == "b -c" && setup.Players[1].Thinking.Value == 9);
     EXPECT_TRUE(setup.Test->Elo0 == -1.5 && setup.Adjudication.DrawMoves == 3);
-    for (const char* more : {"--games=3", "--win=700", "--both=name=", "--both=nodes=0", "--both=x", "--player=cmd=c"})
+    const MatchSetup clocked = Read("--both clock=5+0.05 --clock-margin 7 --player cmd=a --player cmd=b clock=90");
+    EXPECT_EQ(WriteClockRules(*clocked.Players[0].Thinking.Clock()), "5+0.05");
+    EXPECT_EQ(clocked.Players[1].Thinking.Clock()->BaseMs, 90000);
+    EXPECT_EQ(clocked.ClockMarginMs, 7);
+    for (const char* clock : {"", "0", "0+1", "5+", "+1", "5.", "-5", "5+-1", "5.1234", "5 +1", "5s", "100001"})
+        EXPECT_FALSE(ReadClockRules(clock)) << clock;
+    for (const char* more : {"--games=3", "--win=700", "--both=name=", "--both=nodes=0", "--both=x",
+                             "--both=clock=soon", "--player=cmd=c"})
         EXPECT_THROW(Read(words + more), CLI::ParseError) << more;
 }
 

@@ -58,7 +58,7 @@ class PlayedGame {
         if (game_.Plies() % 20 < 2 && game_.Plies() >= 20) {
             program_.Keep("move-" + std::to_string(game_.Plies() / 2) + ".png");
         }
-        const match::Answer answer = player_.Choose(game_);
+        const match::Answer answer = player_.Choose(game_, {});
         Move move = match::FindMove(game_.Position(), answer.Text);
         if (!move) throw std::runtime_error("The engine plays " + answer.Text + ", which is not legal.");
         // The Options menu is left at its choice for pawns.

@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* EndingNames[] = {
     "checkmate",        "stalemate", "repetition", "fifty-moves",  "material",  "adjudicated-win",
-    "adjudicated-draw", "length",    "crash",      "illegal-move", "no-answer",
+    "adjudicated-draw", "length",    "crash",      "illegal-move", "no-answer", "lost-on-time",
 };
 static_assert(std::size(EndingNames) == static_cast<std::size_t>(Ending::Count));
 

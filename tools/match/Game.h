@@ -31,6 +31,7 @@ enum class Ending {
     Crash,  // from here on faults, which lose the game
     IllegalMove,
     NoAnswer,
+    LostOnTime,
     Count
 };
 /// One word, as in the journal.

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <numeric>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -76,12 +77,16 @@ std::optional<GameResult> ReadResult(std::string_view line) {
 bool Tally::Add(const GameResult& result) {
     ++(result.FirstHalfPoints == 2 ? Wins : result.FirstHalfPoints == 1 ? Draws : Losses);
     ++Endings[static_cast<std::size_t>(result.How)];
-    if (IsFault(result.How)) ++Faults[result.FirstHalfPoints == 0 ? 0 : 1];
+    if (IsFault(result.How)) ++Faults[result.FirstHalfPoints == 0 ? 0 : 1][static_cast<std::size_t>(result.How)];
     const auto [partner, isFirst] = halfPairs_.try_emplace(result.Pair, result.FirstHalfPoints);
     if (isFirst) return false;
     const int halfPoints = partner->second + result.FirstHalfPoints;
     ++Pairs[static_cast<std::size_t>(halfPoints)];
     return true;
+}
+
+int Tally::FaultsOf(std::size_t player) const {
+    return std::accumulate(std::begin(Faults[player]), std::end(Faults[player]), 0);
 }
 
 Journal::Journal(const std::string& path, const std::string& settings, const std::string (&names)[2])

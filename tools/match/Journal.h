@@ -47,7 +47,9 @@ class Tally {
     int Draws = 0;
     int Losses = 0;
     PairCounts Pairs = {};
-    int Faults[2] = {}; // games that the first, the second player lost by a fault
+    int FaultsOf(std::size_t player) const;
+    /// Games that the first, the second player lost by each kind of fault; none for other endings.
+    int Faults[2][static_cast<std::size_t>(Ending::Count)] = {};
     int Endings[static_cast<std::size_t>(Ending::Count)] = {};
 
   private:

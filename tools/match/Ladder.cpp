@@ -21,7 +21,7 @@ PlayerSetup LevelPlayer(int level, const LadderSetup& setup) {
     player.Command = setup.Command;
     player.Options = {{"Hash", std::to_string(setup.HashMb)}, {"Skill", std::to_string(settings.Skill)}};
     const int shortTimeMs = std::max(1, settings.Tenths * 100 / setup.TimeDivisor);
-    player.PerMove = {Limit::Kind::MoveTimeMs, settings.DependsOnTime() ? shortTimeMs : GenerousMoveTimeMs};
+    player.Thinking = {Limit::Kind::MoveTimeMs, settings.DependsOnTime() ? shortTimeMs : GenerousMoveTimeMs};
     return player;
 }
 

@@ -28,7 +28,7 @@ ExitCode ClimbLadder(const LadderSetup& setup) {
             match.Run();
             std::cerr << Summary(match);
         }
-        faulty = faulty || match.Standing().Faults[0] + match.Standing().Faults[1] > 0;
+        faulty = faulty || match.Standing().FaultsOf(0) + match.Standing().FaultsOf(1) > 0;
         table += TableRow(rung, match.Standing());
     }
     std::cout << table;

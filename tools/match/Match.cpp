@@ -28,10 +28,13 @@ std::string Fingerprint(const std::string& command) {
 }
 
 std::string Describe(const PlayerSetup& player) {
-    constexpr const char* kinds[] = {"", ", nodes=", ", movetime=", ", depth="};
-    std::string text = player.Name + ": " + player.Command;
-    if (player.PerMove.What != Limit::Kind::None)
-        text += kinds[static_cast<std::size_t>(player.PerMove.What)] + std::to_string(player.PerMove.Value);
+    constexpr const char* kinds[] = {"", ", nodes=", ", movetime=", ", depth=", ", clock="};
+    const Limit& limit = player.Thinking;
+    std::string text = player.Name + ": " + player.Command + kinds[static_cast<std::size_t>(limit.What)];
+    if (limit.What == Limit::Kind::Clock)
+        text += WriteClockRules(limit.Rules);
+    else if (limit.What != Limit::Kind::None)
+        text += std::to_string(limit.Value);
     for (const auto& [name, value] : player.Options) text.append(", ").append(name).append("=").append(value);
     return text + (player.IsBuiltin() ? "" : Fingerprint(player.Command));
 }
@@ -47,6 +50,7 @@ std::string Settings(const MatchSetup& setup) {
         text << "adjudication: win " << rules.WinCp << " cp for " << rules.WinMoves << " moves, draw " << rules.DrawCp
              << " cp for " << rules.DrawMoves << " moves after move " << rules.DrawFromMove << "\n";
     text << "longest game: " << rules.MaxPlies << " plies\n";
+    if (setup.ClockMarginMs > 0) text << "clocks may be overdrawn by " << setup.ClockMarginMs << " ms\n";
     return text.str();
 }
 
@@ -124,9 +128,8 @@ void Match::PlayPair(int pair, Openings& openings, Player& first, Player& second
         }
         Game game = opening;
         std::string faultText;
-        const std::uint64_t seed = engine::Mix(engine::Mix(setup_.Opening.Seed + 1) + GameIndex(pair, leg));
-        const Outcome outcome = PlayGame(leg == 0 ? first : second, leg == 0 ? second : first, setup_.Adjudication,
-                                         seed, stop_, game, faultText);
+        const Outcome outcome =
+            PlayGame(leg == 0 ? first : second, leg == 0 ? second : first, TermsOf(pair, leg), stop_, game, faultText);
         const int points = leg == 0 ? outcome.WhiteHalfPoints : 2 - outcome.WhiteHalfPoints;
         const GameResult result{pair, leg, points, outcome.How, game.Plies(), opening.MovesText()};
 
@@ -136,6 +139,13 @@ void Match::PlayPair(int pair, Openings& openings, Player& first, Player& second
         Count(result);
         if (progress) progress(*this, result);
     }
+}
+
+GameTerms Match::TermsOf(int pair, int leg) const {
+    const Limit& white = setup_.Players[leg].Thinking;
+    const Limit& black = setup_.Players[1 - leg].Thinking;
+    return {setup_.Adjudication, engine::Mix(engine::Mix(setup_.Opening.Seed + 1) + GameIndex(pair, leg)),
+            GameClock(white.Clock(), black.Clock(), setup_.ClockMarginMs, setup_.ClockSource)};
 }
 
 Game Match::OpeningOf(int pair, Openings& openings) const {
@@ -189,8 +199,13 @@ std::string Summary(const Match& match) {
     text << "\nendings:";
     for (std::size_t i = 0; i < std::size(tally.Endings); ++i)
         if (tally.Endings[i] != 0) text << ' ' << NameOf(static_cast<Ending>(i)) << ' ' << tally.Endings[i];
-    text << "\nfaults: " << setup.Players[0].Name << ' ' << tally.Faults[0] << ", " << setup.Players[1].Name << ' '
-         << tally.Faults[1] << "\n";
+    text << "\n";
+    for (std::size_t i = 0; i < 2; ++i) {
+        const auto count = [&](Ending how) { return tally.Faults[i][static_cast<std::size_t>(how)]; };
+        text << "faults of " << setup.Players[i].Name << ": losses on time " << count(Ending::LostOnTime)
+             << ", illegal moves " << count(Ending::IllegalMove) << ", crashes " << count(Ending::Crash) << ", hangs "
+             << count(Ending::NoAnswer) << "\n";
+    }
     if (setup.Test) {
         constexpr const char* verdicts[] = {"undecided", "accepted", "rejected"};
         text.precision(2);

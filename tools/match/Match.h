@@ -25,6 +25,8 @@ struct MatchSetup {
     int Concurrency = 2;
     OpeningRules Opening;
     AdjudicationRules Adjudication;
+    int ClockMarginMs = 0;                                          // that players with a clock may overdraw it
+    GameClock::Source ClockSource = std::chrono::steady_clock::now; // asked by all workers at a time
     std::optional<SequentialTest> Test;
     std::string JournalPath; // empty: none
     std::string PgnPath;     // finished games are added to this file; empty: none
@@ -52,6 +54,7 @@ class Match {
     void Work(const Progress& progress);
     std::optional<int> NextPair();
     void PlayPair(int pair, Openings& openings, Player& first, Player& second, const Progress& progress);
+    GameTerms TermsOf(int pair, int leg) const;
     Game OpeningOf(int pair, Openings& openings) const;
     static std::size_t GameIndex(int pair, int leg) {
         return 2 * static_cast<std::size_t>(pair) + static_cast<std::size_t>(leg);

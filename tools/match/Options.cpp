@@ -15,8 +15,16 @@ constexpr const char* PlayerHelp = R"(A player is
   cmd=COMMAND       an engine for the universal chess interface, run by the shell,
                     or builtin:random, builtin:grabber
   name=NAME         one word; first and second if left out
-  nodes=N | movetime=MS | depth=N    the limit for each move
+  nodes=N | movetime=MS | depth=N    the limit for each move, or
+  clock=BASE+INCREMENT               seconds for the game, and those that each move
+                    gives back: 5+0.05; who uses up his time has lost
   option.NAME=VALUE sets an option of the engine; as many as are wanted)";
+
+void ReadClock(const std::string& value, Limit& limit) {
+    const std::optional<ClockRules> rules = ReadClockRules(value);
+    if (!rules) throw Error("clock is seconds for the game and for each move, such as 5+0.05, not \"" + value + "\".");
+    limit = {Limit::Kind::Clock, 0, *rules};
+}
 
 /// One "key=value" of a player.
 void ReadPlayerWord(const std::string& word, PlayerSetup& player) {
@@ -27,7 +35,7 @@ void ReadPlayerWord(const std::string& word, PlayerSetup& player) {
     const auto limit = [&](Limit::Kind kind) {
         const std::optional<int> number = engine::ReadNumber(value, 1, 1000000000);
         if (!number) throw Error(key + " is a number from 1 to 1000000000, not \"" + value + "\".");
-        player.PerMove = {kind, *number};
+        player.Thinking = {kind, *number};
     };
     if (key == "name")
         player.Name = value;
@@ -39,10 +47,12 @@ void ReadPlayerWord(const std::string& word, PlayerSetup& player) {
         limit(Limit::Kind::MoveTimeMs);
     else if (key == "depth")
         limit(Limit::Kind::Depth);
+    else if (key == "clock")
+        ReadClock(value, player.Thinking);
     else if (key.starts_with("option.") && key.size() > 7)
         player.Options.emplace_back(key.substr(7), value);
     else
-        throw Error("A player has no \"" + key + "\"; keys are name, cmd, nodes, movetime, depth, option.NAME.");
+        throw Error("A player has no \"" + key + "\"; keys are name, cmd, nodes, movetime, depth, clock, option.NAME.");
 }
 
 bool IsOneWord(const std::string& name) {
@@ -58,8 +68,8 @@ void ReadPlayers(const Words& both, const std::vector<Words>& players, MatchSetu
             for (const std::string& word : words) ReadPlayerWord(word, player);
         if (player.Command.empty()) throw Error("Player \"" + player.Name + "\" has no cmd=.");
         if (!IsOneWord(player.Name)) throw Error("A player's name is one word, not \"" + player.Name + "\".");
-        if (!player.IsBuiltin() && player.PerMove.What == Limit::Kind::None)
-            throw Error("Player \"" + player.Name + "\" needs a limit: nodes=, movetime= or depth=.");
+        if (!player.IsBuiltin() && player.Thinking.What == Limit::Kind::None)
+            throw Error("Player \"" + player.Name + "\" needs a limit: nodes=, movetime=, depth= or clock=.");
     }
     if (setup.Players[0].Name == setup.Players[1].Name)
         throw Error("Both players are called \"" + setup.Players[0].Name + "\".");
@@ -119,8 +129,10 @@ void AddMatchOptions(CLI::App& app, MatchSetup& setup) {
     AddPair(app, "--draw", rules.DrawCp, rules.DrawMoves, "Both see the game so even for so long");
     app.add_option("--draw-from", rules.DrawFromMove, "But not before this move")->check(CLI::Range(0, 1000));
     app.add_option("--max-plies", rules.MaxPlies, "A longer game is drawn")->check(CLI::Range(1, 10000));
-    app.add_option("--timeout", players->TimeoutMs, "Milliseconds for a move; then the engine hangs")
+    app.add_option("--timeout", players->TimeoutMs, "Milliseconds for a move, beyond its clock; then the engine hangs")
         ->check(CLI::Range(1, 100000000));
+    app.add_option("--clock-margin", setup.ClockMarginMs, "Milliseconds that a clock may be overdrawn by")
+        ->check(CLI::Range(0, 10000));
     app.add_option("--journal", setup.JournalPath, "Finished games; the same command goes on from there");
     app.add_option("--pgn", setup.PgnPath, "Adds the games in full to this file");
     app.callback([&setup, players] {

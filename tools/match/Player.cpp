@@ -35,7 +35,7 @@ class SimplePlayer final : public Player {
 
     explicit SimplePlayer(Judgement judge) : judge_(judge) {}
     void NewGame(std::uint64_t seed) override { random_.seed(seed); }
-    Answer Choose(const Game& game) override {
+    Answer Choose(const Game& game, const ClockTimes&) override {
         MoveBuffer moves;
         engine::GenerateMoves(game.Position(), moves);
         std::vector<Move> best;

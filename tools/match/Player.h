@@ -6,6 +6,7 @@
 #pragma once
 
 #include "Game.h"
+#include "GameClock.h"
 
 #include <atomic>
 #include <cstdint>
@@ -16,17 +17,21 @@
 namespace quarnel::match {
 
 struct Limit {
-    enum class Kind { None, Nodes, MoveTimeMs, Depth };
+    enum class Kind { None, Nodes, MoveTimeMs, Depth, Clock };
     Kind What = Kind::None;
-    int Value = 0;
+    int Value = 0; // of a kind but Clock
+    ClockRules Rules = {};
+
+    /// Nothing for other kinds.
+    std::optional<ClockRules> Clock() const { return What == Kind::Clock ? std::optional(Rules) : std::nullopt; }
 };
 
 struct PlayerSetup {
     std::string Name;    // no blanks
     std::string Command; // for the shell; "builtin:random" and "builtin:grabber" are our own
     std::vector<std::pair<std::string, std::string>> Options;
-    Limit PerMove;         // needed by engines, without meaning for our own
-    int TimeoutMs = 60000; // for a move; the engine is hanging then
+    Limit Thinking;        // needed by engines; our own heed none, but the referee's clock runs for them as well
+    int TimeoutMs = 60000; // for a move, beyond what the clock has left; the engine is hanging then
 
     bool IsBuiltin() const { return Command.starts_with("builtin:"); }
 };
@@ -52,7 +57,8 @@ class Player {
     virtual ~Player() = default;
     /// Forgets the game before. The same `seed` makes the same choices, where the player takes a seed.
     virtual void NewGame(std::uint64_t seed) = 0;
-    virtual Answer Choose(const Game& game) = 0;
+    /// The move to play next; `times` is what the clocks show.
+    virtual Answer Choose(const Game& game, const ClockTimes& times) = 0;
     /// After a fault: the next game begins with a fresh process.
     virtual void Discard() {}
 };

@@ -3,16 +3,20 @@
 namespace quarnel::match {
 namespace {
 
-/// The move of the player whose turn it is, legal.
-Move AskForMove(Player& player, const Game& game, std::optional<int>& scoreCp) {
-    const Answer answer = player.Choose(game);
+/// The move of the player whose turn it is, legal and in time.
+Move AskForMove(Player& player, const Game& game, GameClock& clock, std::optional<int>& scoreCp) {
+    const ClockTimes times = clock.Times();
+    clock.Start(game.SideToMove());
+    const Answer answer = player.Choose(game, times);
+    if (const auto overdrawn = clock.Stop()) throw Fault(Ending::LostOnTime, *overdrawn);
     const Move move = FindMove(game.Position(), answer.Text);
     if (!move) throw Fault(Ending::IllegalMove, "\"" + answer.Text + "\" is not legal");
     scoreCp = answer.ScoreCp;
     return move;
 }
 
-Outcome PlayOn(Player* const (&players)[2], const AdjudicationRules& rules, const std::atomic<bool>& stop, Game& game) {
+Outcome PlayOn(Player* const (&players)[2], GameTerms& terms, const std::atomic<bool>& stop, Game& game) {
+    const AdjudicationRules& rules = terms.Adjudication;
     Adjudicator adjudicator(rules);
     for (;;) {
         if (const auto end = game.EndByRules()) return *end;
@@ -20,7 +24,7 @@ Outcome PlayOn(Player* const (&players)[2], const AdjudicationRules& rules, cons
         if (stop.load(std::memory_order_relaxed)) throw Interrupted();
         const Color mover = game.SideToMove();
         std::optional<int> scoreCp;
-        game.Play(AskForMove(*players[mover], game, scoreCp));
+        game.Play(AskForMove(*players[mover], game, terms.Clock, scoreCp));
         const std::optional<Outcome> verdict = adjudicator.Judge(mover, scoreCp, game.Plies());
         if (verdict && !game.EndByRules()) return *verdict;
     }
@@ -42,20 +46,20 @@ std::optional<Outcome> Adjudicator::Judge(Color mover, std::optional<int> scoreC
     return std::nullopt;
 }
 
-Outcome PlayGame(Player& white, Player& black, const AdjudicationRules& rules, std::uint64_t seed,
-                 const std::atomic<bool>& stop, Game& game, std::string& faultText) {
+Outcome PlayGame(Player& white, Player& black, GameTerms terms, const std::atomic<bool>& stop, Game& game,
+                 std::string& faultText) {
     Player* const players[2] = {&white, &black};
     Color current = engine::White; // who is being set up
     bool playing = false;
     try {
-        players[engine::White]->NewGame(seed);
+        players[engine::White]->NewGame(terms.Seed);
         current = engine::Black;
-        players[engine::Black]->NewGame(seed + 1);
+        players[engine::Black]->NewGame(terms.Seed + 1);
         playing = true;
-        return PlayOn(players, rules, stop, game);
+        return PlayOn(players, terms, stop, game);
     } catch (const Fault& fault) {
         if (playing) current = game.SideToMove();
-        players[current]->Discard();
+        if (fault.How != Ending::LostOnTime) players[current]->Discard();
         faultText = fault.what();
         return LostBy(current, fault.How);
     }

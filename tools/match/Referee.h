@@ -32,10 +32,17 @@ class Adjudicator {
     int drawn_ = 0;
 };
 
+/// What a game is played by.
+struct GameTerms {
+    AdjudicationRules Adjudication;
+    std::uint64_t Seed = 1; // White's; Black's is the next one
+    GameClock Clock;        // as it stands before the first move
+};
+
 /// Plays on from `game`, in which the opening has been played, to its end. The moves end up in `game`;
-/// `faultText` tells what a player did wrong. A faulty player is discarded. Throws Interrupted and what
-/// a player throws that cannot be started.
-Outcome PlayGame(Player& white, Player& black, const AdjudicationRules& rules, std::uint64_t seed,
-                 const std::atomic<bool>& stop, Game& game, std::string& faultText);
+/// `faultText` tells what a player did wrong. A faulty player is discarded, unless he was but late. Throws
+/// Interrupted and what a player throws that cannot be started.
+Outcome PlayGame(Player& white, Player& black, GameTerms terms, const std::atomic<bool>& stop, Game& game,
+                 std::string& faultText);
 
 } // namespace quarnel::match

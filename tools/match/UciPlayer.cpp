@@ -35,6 +35,22 @@ std::string OptionName(std::string_view line) {
 
 } // namespace
 
+std::string GoCommand(const Limit& limit, const ClockTimes& times) {
+    const std::string value = std::to_string(limit.Value);
+    if (limit.What == Limit::Kind::Nodes) return "go nodes " + value;
+    if (limit.What == Limit::Kind::MoveTimeMs) return "go movetime " + value;
+    if (limit.What == Limit::Kind::Depth) return "go depth " + value;
+    std::string command = "go";
+    for (const Color color : {engine::White, engine::Black})
+        if (const auto& left = times.LeftMs[color])
+            command.append(color == engine::White ? " wtime " : " btime ").append(std::to_string(*left));
+    for (const Color color : {engine::White, engine::Black})
+        if (times.LeftMs[color])
+            command.append(color == engine::White ? " winc " : " binc ")
+                .append(std::to_string(times.IncrementMs[color]));
+    return command;
+}
+
 std::optional<int> ReadScore(std::string_view line) {
     if (NextWord(line) != "info") return std::nullopt;
     constexpr int lowest = std::numeric_limits<int>::min();
@@ -59,12 +75,14 @@ void UciPlayer::NewGame(std::uint64_t seed) {
     AwaitReady();
 }
 
-Answer UciPlayer::Choose(const Game& game) {
+Answer UciPlayer::Choose(const Game& game, const ClockTimes& times) {
     std::string request = "position startpos";
     if (game.Plies() > 0) request += " moves" + game.MovesText();
-    Send(request + "\n" + GoCommand() + "\n");
+    Send(request + "\n" + GoCommand(setup_.Thinking, times) + "\n");
     Answer answer;
-    const Process::TimePoint deadline = In(std::chrono::milliseconds(setup_.TimeoutMs));
+    // Whoever answers after his time has lost by it; only who does not answer at all is hanging.
+    const std::int64_t patienceMs = times.LeftMs[game.SideToMove()].value_or(0) + setup_.TimeoutMs;
+    const Process::TimePoint deadline = In(std::chrono::milliseconds(patienceMs));
     for (;;) {
         const std::string line = Read(deadline);
         if (const std::optional<int> score = ReadScore(line)) answer.ScoreCp = score;
@@ -72,18 +90,6 @@ Answer UciPlayer::Choose(const Game& game) {
         if (NextWord(rest) != "bestmove") continue;
         answer.Text = NextWord(rest);
         return answer;
-    }
-}
-
-std::string UciPlayer::GoCommand() const {
-    const std::string value = std::to_string(setup_.PerMove.Value);
-    switch (setup_.PerMove.What) {
-    case Limit::Kind::Nodes:
-        return "go nodes " + value;
-    case Limit::Kind::MoveTimeMs:
-        return "go movetime " + value;
-    default:
-        return "go depth " + value;
     }
 }
 
