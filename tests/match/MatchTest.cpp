@@ -94,6 +94,18 @@ TEST(Match, GoesOnAfterFaultsAndCountsThem) {
     EXPECT_THROW(Match(setup, Running).Run(), std::runtime_error);
 }
 
+TEST(UciPlayer, SetsTheOptionsThatTheEngineHas) {
+    PlayerSetup setup = Scripted("tell").Players[0];
+    setup.Options = {{"odd book", "a b"}};
+    const std::unique_ptr<Player> player = MakePlayer(setup, Running);
+    for (int game = 0; game < 2; ++game) { // once for all games
+        player->NewGame(1);
+        EXPECT_EQ(player->Choose({}, {}).Text, "name-odd-book-value-a-b");
+    }
+    setup.Options = {{"Odd", "1"}};
+    EXPECT_THROW(MakePlayer(setup, Running)->NewGame(1), std::runtime_error);
+}
+
 TEST(Match, ResumesFromItsJournalAsIfNeverStopped) {
     const std::string journal = testing::TempDir() + "journal" + std::to_string(getpid());
     const auto content = [&] {
