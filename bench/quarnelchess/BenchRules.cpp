@@ -109,7 +109,7 @@ int main(int argc, char** argv) {
     engine::SteadyClock clock;
     engine::Search search(clock);
     search.SetHash(1);
-    const tuning::SelfPlayOptions careless = {50, 3, 1000};
+    const tuning::SelfPlayOptions careless = {50, 3};
     std::mt19937_64 random(3);
     Comparison comparison;
     for (std::uint64_t game = 0; comparison.Positions() < wanted; ++game) {

@@ -37,7 +37,7 @@ struct Options {
     std::uint64_t First = 0;
     std::uint64_t Count = 240;
     std::uint64_t Number = 1;
-    tuning::SelfPlayOptions Play = {100, 11, 300};
+    tuning::SelfPlayOptions Play = {100, 11};
     std::string OpenFile;
     std::string HiddenFile;
 };

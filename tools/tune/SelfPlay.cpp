@@ -12,14 +12,18 @@ namespace {
 
 using namespace engine;
 
-constexpr int WonCp = 1000;       // both sides see this much
-constexpr int WonPlies = 6;       // for so many plies: the game is won
-constexpr int DeadCp = 8;         // both sides see no more than this
-constexpr int DeadPlies = 16;     // for so many plies
-constexpr int DeadFromPly = 70;   // and not before this one: the game is drawn
-constexpr int LongestGame = 400;  // plies; then it is drawn
-constexpr int DecidedCp = 1200;   // beyond, a position teaches nothing
-constexpr int FirstQuietPly = 11; // before, the pieces still stand as random moves have left them
+constexpr int WonCp = 1000;      // both sides see this much
+constexpr int WonPlies = 6;      // for so many plies: the game is won
+constexpr int DeadCp = 8;        // both sides see no more than this
+constexpr int DeadPlies = 16;    // for so many plies
+constexpr int DeadFromPly = 70;  // and not before this one: the game is drawn
+constexpr int LongestGame = 400; // plies; then it is drawn
+constexpr int DecidedCp = 2500;  // beyond, a position teaches nothing
+constexpr int QuietCp = 60;      // what captures may win in a quiet position
+
+constexpr int EvenOpeningCp = 150;   // the larger side's advantage at most
+constexpr int UnevenOpeningCp = 400; // in every second game
+constexpr std::uint64_t PlayedOnEvery = 8;
 
 std::mt19937_64 RandomFor(std::uint64_t seed, std::uint64_t number, std::uint64_t purpose) {
     std::seed_seq sequence{seed, seed >> 32, number, number >> 32, purpose};
@@ -65,11 +69,10 @@ std::optional<Progress> RandomOpening(std::mt19937_64& random) {
     return progress;
 }
 
-Progress EvenOpening(Search& search, const SelfPlayOptions& options, std::mt19937_64& random) {
+Progress OpeningWithin(int limitCp, Search& search, const SelfPlayOptions& options, std::mt19937_64& random) {
     while (true) {
         const std::optional<Progress> opening = RandomOpening(random);
-        if (opening && std::abs(Think(search, *opening, options.Nodes).Value) <= options.OpeningLimitCp)
-            return *opening;
+        if (opening && std::abs(Think(search, *opening, options.Nodes).Value) <= limitCp) return *opening;
     }
 }
 
@@ -92,12 +95,36 @@ class Agreement {
     int dead_ = 0;
 };
 
+/// Captures and promotions until nothing more is to be won, fail-soft.
+int Settle(const Board& board, int alpha, int beta, Evaluation& evaluation) {
+    int best = evaluation.Evaluate(board);
+    if (best >= beta) return best;
+    alpha = std::max(alpha, best);
+    MoveBuffer moves;
+    GenerateMoves(board, moves);
+    for (const Move move : moves) {
+        if (!board.IsNoisy(move) || !board.ExchangeGains(move, 0)) continue;
+        Board next = board;
+        next.Make(move);
+        best = std::max(best, -Settle(next, -beta, -alpha, evaluation));
+        if (best >= beta) return best;
+        alpha = std::max(alpha, best);
+    }
+    return best;
+}
+
+bool NothingHangs(const Board& board, Evaluation& evaluation) {
+    const int value = evaluation.Evaluate(board);
+    return Settle(board, value + QuietCp, value + QuietCp + 1, evaluation) <= value + QuietCp;
+}
+
 } // namespace
 
 PlayedGame PlayGame(Search& search, const SelfPlayOptions& options, std::uint64_t number) {
     std::mt19937_64 random = RandomFor(options.Seed, number, 0);
     search.NewGame();
-    Progress progress = EvenOpening(search, options, random);
+    Progress progress = OpeningWithin(number % 2 == 0 ? EvenOpeningCp : UnevenOpeningCp, search, options, random);
+    const bool isPlayedOn = number % PlayedOnEvery == PlayedOnEvery - 1;
     PlayedGame game;
     Agreement agreement;
     while (!progress.IsDrawn()) {
@@ -110,7 +137,8 @@ PlayedGame PlayGame(Search& search, const SelfPlayOptions& options, std::uint64_
         const SearchResult result = Think(search, progress, options.Nodes);
         const int value = white ? result.Value : -result.Value;
         game.Moves.push_back({board, result.Best, value, progress.Ply});
-        if (const std::optional<double> agreed = agreement.Add(value, progress.Ply)) {
+        const std::optional<double> agreed = agreement.Add(value, progress.Ply);
+        if (agreed && !(isPlayedOn && *agreed != 0.5)) {
             game.Result = *agreed;
             break;
         }
@@ -119,19 +147,29 @@ PlayedGame PlayGame(Search& search, const SelfPlayOptions& options, std::uint64_
     return game;
 }
 
-std::vector<PlayedMove> QuietPositions(const PlayedGame& game, std::size_t most, std::uint64_t number) {
-    std::vector<PlayedMove> quiet;
+std::vector<PackedPosition> QuietPositions(const PlayedGame& game, std::size_t most, std::uint64_t number) {
+    Evaluation evaluation;
+    std::vector<const PlayedMove*> quiet;
     for (const PlayedMove& move : game.Moves)
-        if (move.Ply >= FirstQuietPly && !move.Before.InCheck() && !move.Before.IsNoisy(move.Played) &&
-            std::abs(move.ValueCp) < DecidedCp)
-            quiet.push_back(move);
+        if (!move.Before.InCheck() && !move.Before.IsNoisy(move.Played) && std::abs(move.ValueCp) < DecidedCp &&
+            NothingHangs(move.Before, evaluation))
+            quiet.push_back(&move);
     if (quiet.size() > most) {
         std::mt19937_64 random = RandomFor(0, number, 1);
         std::shuffle(quiet.begin(), quiet.end(), random);
         quiet.resize(most);
-        std::sort(quiet.begin(), quiet.end(), [](const PlayedMove& a, const PlayedMove& b) { return a.Ply < b.Ply; });
+        std::sort(quiet.begin(), quiet.end());
     }
-    return quiet;
+    std::vector<PackedPosition> packed;
+    for (const PlayedMove* move : quiet) {
+        const bool white = move->Before.SideToMove() == White;
+        PackedPosition position = Pack(move->Before);
+        position.ValueCp = static_cast<std::int16_t>(white ? move->ValueCp : -move->ValueCp);
+        position.Result = static_cast<std::uint8_t>(2 * (white ? game.Result : 1 - game.Result));
+        position.Ply = static_cast<std::uint8_t>(std::min(move->Ply, 255));
+        packed.push_back(position);
+    }
+    return packed;
 }
 
 } // namespace quarnel::tuning
