@@ -1,7 +1,7 @@
 #include "quarnelchess/evaluation/Endgames.h"
 
 #include "quarnelchess/board/Attacks.h"
-#include "quarnelchess/evaluation/PieceSquares.h"
+#include "quarnelchess/board/Material.h"
 
 #include <algorithm>
 #include <bitset>
@@ -154,12 +154,19 @@ bool BothBishopColors(const Board& board, Color color) {
     return (bishops & LightSquares) != 0 && (bishops & ~LightSquares) != 0;
 }
 
+int MaterialCp(const Board& board, Color color) {
+    int sum = 0;
+    for (const PieceKind kind : {Pawn, Knight, Bishop, Rook, Queen})
+        sum += ExchangeValue[kind] * PopCount(board.Pieces(color, kind));
+    return sum;
+}
+
 /// Against a bare king, without pawns of either side.
 int EvaluateAgainstBareKing(const Board& board, Color strong) {
     const int knights = PopCount(board.Pieces(strong, Knight));
     const bool heavy = (board.Pieces(strong) & board.Orthogonals()) != 0;
     if (heavy || BothBishopColors(board, strong) || knights >= 3)
-        return KnownWin + DriveToTheEdge(board, strong) + (PieceSquareSum(board).Eg * (strong == White ? 1 : -1)) / 2;
+        return KnownWin + DriveToTheEdge(board, strong) + MaterialCp(board, strong) / 2;
     if (board.Pieces(strong, Bishop) != 0 && knights >= 1) return KnownWin + DriveToTheRightCorner(board, strong);
     return 0; // knights or bishops of one colour alone cannot force mate
 }
@@ -209,7 +216,7 @@ int EndgameScale(const Board& board, Color strong) {
         const int lead = worth - PieceWorth(board, weak);
         if (worth <= 3) return 0;
         if (lead <= 3) return worth == 6 && PopCount(board.Pieces(strong, Knight)) == 2 ? 2 : 8;
-        return 64;
+        return FullScale;
     }
 
     // A rook's pawn and a bishop of the wrong colour: the bare king in the corner holds.
@@ -222,18 +229,7 @@ int EndgameScale(const Board& board, Color strong) {
         if ((bishops & cornerColor) == 0 && Distance(board.KingSquare(weak), corner) <= 1) return 0;
     }
 
-    const Bitboard whiteBishops = board.Pieces(White, Bishop);
-    const Bitboard blackBishops = board.Pieces(Black, Bishop);
-    const bool opposite = whiteBishops != 0 && blackBishops != 0 && !MoreThanOne(whiteBishops) &&
-                          !MoreThanOne(blackBishops) &&
-                          ((whiteBishops & LightSquares) != 0) != ((blackBishops & LightSquares) != 0);
-    if (opposite) {
-        const bool bishopsOnly =
-            (board.Occupied() & ~board.Pieces(Pawn) & ~board.Pieces(King) & ~board.Pieces(Bishop)) == 0;
-        return bishopsOnly ? std::min(16 + 4 * PopCount(strongPawns), 40) : 52;
-    }
-    // The fewer pawns, the nearer the draw.
-    return std::min(64, 36 + 6 * PopCount(strongPawns));
+    return FullScale;
 }
 
 void PrepareEndings() {

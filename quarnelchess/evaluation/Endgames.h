@@ -1,5 +1,4 @@
-// Endings that the usual evaluation misjudges: known wins, known draws, and material that wins less
-// than it seems.
+// Endings with exact rules: known wins, known draws, and material that cannot win.
 #pragma once
 
 #include "quarnelchess/board/Board.h"
@@ -9,7 +8,10 @@ namespace quarnel::engine {
 /// True for an ending with a rule of its own; `value` is then in centipawns, White's view.
 bool EvaluateKnownEnding(const Board& board, int& value);
 
-/// How much of an endgame advantage of `strong` is worth having: 64 all of it, 0 nothing.
+constexpr int FullScale = 64;
+
+/// How much of an advantage of `strong` is worth having where it cannot be turned into a win: FullScale all of it, 0
+/// nothing.
 int EndgameScale(const Board& board, Color strong);
 
 /// King and pawn against king: does the side with the pawn win? Exact, from a table that is built on

@@ -1,50 +1,63 @@
-// Static evaluation of a quiet position.
+// Static evaluation of a quiet position: a net that learned from the engine's own games, and exact rules for a few
+// endings.
 //
-// One instance for each search thread: it caches pawn structures. Replaceable as a whole: the search
-// knows nothing but Evaluate().
+// One instance for each search thread. It follows the line being searched move by move and keeps the net's sums for
+// each ply, so that a move costs a few additions and a position that is never judged nothing. Replaceable as a whole:
+// the search knows nothing but this class.
 #pragma once
 
 #include "quarnelchess/board/Board.h"
-#include "quarnelchess/evaluation/Weights.h"
+#include "quarnelchess/evaluation/Net.h"
 
 #include <vector>
 
 namespace quarnel::engine {
 
-/// How a value came about, for tuning: the middlegame sum m and the endgame sum e are those of
-/// Weights times Counts, White's view, and the value is
-/// (m * Phase + e * EndgameScale / 64 * (24 - Phase)) / 24, each division truncating.
-struct EvaluationTrace {
-    int Counts[WeightCount] = {}; // White's less Black's
-    int Phase = 0;                // 0..24
-    int EndgameScale = 64;
-    bool Special = false; // an ending with a rule of its own: nothing to tune
-};
-
 class Evaluation {
   public:
-    Evaluation() : pawns_(std::size_t{1} << 14) {}
+    /// `operations` last for ever.
+    explicit Evaluation(const net::Operations& operations = net::BestOperations());
 
-    /// Gives the cached pawn structures so many bytes, rounded down to a power of two of entries, and forgets them.
-    void ResizePawnCache(std::size_t bytes);
+    /// A line begins: `board` is at ply 0.
+    void Begin(const Board& board);
+    /// `move` leads from `before` at `ply` (0..MaxPly - 1) to the next ply; what was known of plies beyond is
+    /// forgotten.
+    void Played(const Board& before, Move move, int ply);
+    /// The turn was passed at `ply`.
+    void Passed(int ply);
 
-    /// Centipawns from the side to move's view, well within the mate values. The position should not
-    /// be a check.
-    int Evaluate(const Board& board);
-
-    /// The same value from White's view, with its derivation; caches nothing.
-    static int Explain(const Board& board, EvaluationTrace& trace);
+    /// Centipawns from the side to move's view, well within the mate values. `board` is the position at `ply` of the
+    /// line. It should not be a check.
+    int Evaluate(const Board& board, int ply);
+    /// The same of a position by itself; the line is lost.
+    int Evaluate(const Board& board) {
+        Begin(board);
+        return Evaluate(board, 0);
+    }
 
   private:
-    struct PawnEntry {
-        Key PawnKey = ~Key{0};
-        Score Value; // White's view
-        Bitboard Passed = 0;
+    struct Stand {
+        Piece What = NoPiece;
+        std::uint8_t Where = 0;
     };
-    template <bool Traced>
-    friend class Evaluator;
+    struct alignas(64) Ply {
+        std::int16_t Sums[2][net::Hidden];
+        bool IsKnown[2];      // by view: Sums are those of the position
+        bool IsTurned[2];     // by view: the king changed the half, the ply before is of no use
+        std::uint8_t Turn[2]; // by view: what a square is combined with, see InputRow()
+        Stand Added[2];
+        Stand Removed[2];
+        std::uint8_t AddedCount;
+        std::uint8_t RemovedCount;
+    };
 
-    std::vector<PawnEntry> pawns_; // a power of two
+    const std::int16_t* Sums(const Board& board, int ply, Color view);
+    void SumAfresh(const Board& board, Ply& at, Color view) const;
+    void SumOn(const Ply& before, Ply& at, Color view) const;
+    int NetValue(const Board& board, int ply);
+
+    const net::Operations& operations_;
+    std::vector<Ply> plies_;
 };
 
 } // namespace quarnel::engine

@@ -136,13 +136,12 @@ bool Session::TakeSetting(std::string_view word, std::string_view rest) {
         return true;
     }
     if (word == "adaptive") {
-        // Five sizes: the second is the pawn structures', the third the transposition table's; for the others
-        // there is no table.
+        // Five sizes: the third is the transposition table's; of the others there is no table, but the second must
+        // read.
         const std::optional<std::size_t> pawnCache = ReadMegabytes(second);
         const std::optional<std::size_t> hash = ReadMegabytes(NextWord(rest));
         if (!pawnCache || !hash) return false;
-        settingsChanged_ |= pawnCacheMb_ != *pawnCache || hashMb_ != *hash;
-        pawnCacheMb_ = *pawnCache;
+        settingsChanged_ |= hashMb_ != *hash;
         hashMb_ = *hash;
         return true;
     }
@@ -295,7 +294,6 @@ void Session::StartSearch(const SearchRoot& root, const SearchLimits& limits) {
 void Session::ApplySettings() {
     if (!std::exchange(settingsChanged_, false)) return;
     search_.SetThreads(threads_);
-    search_.SetPawnCache(pawnCacheMb_);
     search_.SetHash(hashMb_);
 }
 

@@ -128,7 +128,6 @@ class Session {
     int skill_ = 100;
     int tenths_ = 10;
     int threads_ = 1;
-    std::size_t pawnCacheMb_ = 1;
     std::size_t hashMb_ = 64;
     bool settingsChanged_ = true;
 };

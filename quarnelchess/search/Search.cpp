@@ -46,19 +46,6 @@ void Search::SetThreads(int count) {
     while (workers_.size() < wanted)
         workers_.push_back(std::make_unique<SearchWorker>(task_, static_cast<int>(workers_.size())));
     task_.Threads = static_cast<int>(wanted);
-    ShareOutPawnCache();
-}
-
-void Search::SetPawnCache(std::size_t megabytes) {
-    Stop();
-    Result();
-    pawnCacheBytes_ = megabytes << 20;
-    ShareOutPawnCache();
-}
-
-void Search::ShareOutPawnCache() {
-    const std::size_t share = std::max<std::size_t>(pawnCacheBytes_ / workers_.size(), 1 << 16);
-    for (auto& worker : workers_) worker->ResizePawnCache(share);
 }
 
 void Search::SetHash(std::size_t megabytes) {

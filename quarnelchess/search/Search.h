@@ -40,8 +40,6 @@ class Search {
     void SetThreads(int count); // 1..64
     /// A new size forgets what the table holds.
     void SetHash(std::size_t megabytes);
-    /// Room for pawn structures, shared out among the threads; each has at least 64 kB.
-    void SetPawnCache(std::size_t megabytes);
     /// With one thread and a node or depth limit, the same seed searches the same way every time.
     void SetSeed(std::uint64_t seed);
     /// Forgets everything learned.
@@ -67,12 +65,10 @@ class Search {
     SearchResult Conclude(const SearchWorker& worker) const;
     const SearchWorker& BestWorker() const;
     Move ExpectedReply(const std::vector<Move>& line) const;
-    void ShareOutPawnCache();
 
     std::size_t hashMb_ = 16;
     SearchTask task_;
     std::vector<std::unique_ptr<SearchWorker>> workers_;
-    std::size_t pawnCacheBytes_ = 1 << 20;
     std::uint64_t seed_ = 0;
     std::uint64_t searches_ = 0; // since the seed was set
     bool forgetTable_ = false;

@@ -97,6 +97,7 @@ int SearchWorker::CorrectedEval(const Board& board, int rawEval) const {
 
 void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply) {
     next.Make(move);
+    evaluation_.Played(board, move, ply);
     task_.Table.Prefetch(next.PositionKey());
     PlyState& state = At(ply);
     state.Current = move;
@@ -138,7 +139,7 @@ std::optional<int> SearchWorker::Enter(Node& node) {
     if (node.IsPv) selectiveDepth_ = std::max(selectiveDepth_, node.Ply + 1);
     if (!node.IsRoot) {
         if (IsDraw(node.Position, node.Ply)) return DrawValue;
-        if (node.Ply >= MaxPly - 1) return node.InCheck ? DrawValue : evaluation_.Evaluate(node.Position);
+        if (node.Ply >= MaxPly - 1) return node.InCheck ? DrawValue : evaluation_.Evaluate(node.Position, node.Ply);
         // No line from here can be better than a mate at the next ply, or worse than being mated now.
         node.Alpha = std::max(node.Alpha, -MateValue + node.Ply);
         node.Beta = std::min(node.Beta, MateValue - node.Ply - 1);
@@ -174,7 +175,7 @@ void SearchWorker::SetStaticValue(Node& node) {
         node.Eval = state.StaticEval;
     } else {
         node.RawEval = node.Found && node.Entry.StaticEval != NoValue ? node.Entry.StaticEval
-                                                                      : evaluation_.Evaluate(node.Position);
+                                                                      : evaluation_.Evaluate(node.Position, node.Ply);
         node.Eval = state.StaticEval = CorrectedEval(node.Position, node.RawEval);
         if (node.Found && Betters(node.Entry, node.TableValue, node.Eval)) node.Eval = node.TableValue;
     }
@@ -228,6 +229,7 @@ std::optional<int> SearchWorker::PassTurn(const Node& node) {
                           std::min((node.Eval - node.Beta) / NullMoveEvalDivisorCp, NullMoveMostEvalReduction);
     Board next = node.Position;
     next.MakeNull();
+    evaluation_.Passed(ply);
     state.Current = Move{};
     state.Answers = &history_.AfterNothing();
     int value = -SearchNode(next, -node.Beta, -node.Beta + 1, depth - reduction, ply + 1, !node.IsCutNode);
@@ -434,7 +436,7 @@ int SearchWorker::Reduction(const Node& node, const NodeMove& candidate, int mov
 int SearchWorker::Conclude(const Node& node, const Progress& progress, int alphaBefore) {
     const int value = progress.BestValue;
     if (progress.Count == 0) {
-        if (progress.Overlooked > 0) return evaluation_.Evaluate(node.Position);
+        if (progress.Overlooked > 0) return evaluation_.Evaluate(node.Position, node.Ply);
         return node.Excluded ? node.Alpha : node.InCheck ? -MateValue + node.Ply : DrawValue;
     }
     if (value >= node.Beta) RewardCutoff(node, progress);
@@ -508,7 +510,7 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     LeafNode leaf{board, alpha, beta, ply};
     if (leaf.IsPv) selectiveDepth_ = std::max(selectiveDepth_, ply + 1);
     if (board.InsufficientMaterial() || board.HalfmoveClock() >= 100) return DrawValue;
-    if (ply >= MaxPly - 1) return leaf.InCheck ? DrawValue : evaluation_.Evaluate(board);
+    if (ply >= MaxPly - 1) return leaf.InCheck ? DrawValue : evaluation_.Evaluate(board, ply);
 
     TableEntry entry;
     const bool found = task_.Table.Probe(board.PositionKey(), entry);
@@ -516,7 +518,7 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     if (found && !leaf.IsPv && Cuts(entry, tableValue, alpha, beta)) return tableValue;
     if (!leaf.InCheck) {
         // Nobody has to capture: the static value is to be had at least.
-        leaf.RawEval = found && entry.StaticEval != NoValue ? entry.StaticEval : evaluation_.Evaluate(board);
+        leaf.RawEval = found && entry.StaticEval != NoValue ? entry.StaticEval : evaluation_.Evaluate(board, ply);
         leaf.Eval = leaf.BestValue = CorrectedEval(board, leaf.RawEval);
         if (found && Betters(entry, tableValue, leaf.Eval)) leaf.BestValue = tableValue;
         if (leaf.BestValue >= beta) return leaf.BestValue;
@@ -537,7 +539,7 @@ void SearchWorker::SearchLeafMoves(LeafNode& leaf, Move tableMove) {
     while (const Move move = picker.Next()) {
         if (IsOverlooked(board, move)) {
             // He takes it that there is a way out.
-            if (leaf.InCheck && leaf.BestValue <= -MateInMaxPly) leaf.BestValue = evaluation_.Evaluate(board);
+            if (leaf.InCheck && leaf.BestValue <= -MateInMaxPly) leaf.BestValue = evaluation_.Evaluate(board, leaf.Ply);
             continue;
         }
         ++moveCount;

@@ -29,6 +29,7 @@ void SearchWorker::PrepareRoot() {
         state.Extensions = 0;
         state.LineLength = 0;
     }
+    evaluation_.Begin(task_.Root.Position);
     keys_ = task_.Root.Earlier;
     gameKeys_ = keys_.size();
     keys_.resize(gameKeys_ + MaxPly + 4);

@@ -29,7 +29,6 @@ class SearchWorker {
 
     /// Forgets what it has learned.
     void Clear();
-    void ResizePawnCache(std::size_t bytes) { evaluation_.ResizePawnCache(bytes); }
     /// Deepens until a limit or a stop.
     void Think();
 

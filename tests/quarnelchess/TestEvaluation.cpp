@@ -27,20 +27,112 @@ Board Mirrored(const Board& board) {
     return builder.Build().value();
 }
 
-TEST(Evaluation, JudgesBothColoursAlikeAndByTheWeights) {
+TEST(Evaluation, JudgesBothColoursAndBothOperationsAlike) {
     Evaluation evaluation;
+    Evaluation base(net::BaseOperations);
     ForRandomPositions(8, 120, [&](const Board& board) {
-        ASSERT_EQ(evaluation.Evaluate(board), evaluation.Evaluate(Mirrored(board))) << WriteFen(board);
-        const int value = evaluation.Evaluate(board) * (board.SideToMove() == White ? 1 : -1);
-        EvaluationTrace trace;
-        ASSERT_EQ(Evaluation::Explain(board, trace), value) << WriteFen(board);
-        if (trace.Special) return;
-        Score sum;
-        for (int i = 0; i < WeightCount; ++i) sum += Weights[i] * trace.Counts[i];
-        const int blended =
-            (sum.Mg * trace.Phase + sum.Eg * trace.EndgameScale / 64 * (FullPhase - trace.Phase)) / FullPhase;
-        ASSERT_EQ(blended, value) << WriteFen(board);
+        const int value = evaluation.Evaluate(board);
+        ASSERT_EQ(evaluation.Evaluate(Mirrored(board)), value) << WriteFen(board);
+        ASSERT_EQ(base.Evaluate(board), value) << WriteFen(board);
     });
+}
+
+/// Plays at random from `board` at `ply` and back again, asking for values now and then as a search does, and compares
+/// each with the value of the position by itself.
+class LineFollower {
+  public:
+    void Follow(const Board& board, int ply, int plies) {
+        if (random_() % 3 != 0) Compare(board, ply);
+        if (plies == 0) return;
+        const MoveBuffer moves = MovesOf(board);
+        for (int branch = 0; branch < 2 && !moves.Empty(); ++branch) {
+            const Move move = PickMove(board, moves);
+            Board next = board;
+            next.Make(move);
+            evaluation_.Played(board, move, ply);
+            seen_ |= Bit(static_cast<int>(move.Kind()));
+            Follow(next, ply + 1, branch == 0 ? plies - 1 : std::min(plies - 1, 2));
+        }
+        if (!board.InCheck()) {
+            Board next = board;
+            next.MakeNull();
+            evaluation_.Passed(ply);
+            Follow(next, ply + 1, std::min(plies - 1, 1));
+        }
+        Compare(board, ply); // the children have used the plies beyond
+    }
+    void Begin(const Board& board) { evaluation_.Begin(board); }
+    bool HasSeenEveryKindOfMove() const { return seen_ == 15; }
+
+  private:
+    /// Kings wander and special moves are played when there are any.
+    Move PickMove(const Board& board, const MoveBuffer& moves) {
+        for (const Move move : moves)
+            if (move.Kind() != MoveKind::Normal && random_() % 2 == 0) return move;
+        for (const Move move : moves)
+            if (KindOf(board.At(move.From())) == King && random_() % 4 == 0) return move;
+        return moves[random_() % moves.Size()];
+    }
+    void Compare(const Board& board, int ply) {
+        ASSERT_EQ(evaluation_.Evaluate(board, ply), Evaluation().Evaluate(board)) << WriteFen(board);
+    }
+
+    std::mt19937 random_{9};
+    Evaluation evaluation_;
+    Bitboard seen_ = 0; // kinds of moves
+};
+
+TEST(Evaluation, KeepsItsSumsAlongEveryLine) {
+    LineFollower follower;
+    for (const char* fen : {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1",
+                            "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
+                            "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1",
+                            "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1"}) {
+        for (int game = 0; game < 6; ++game) {
+            follower.Begin(BoardOf(fen));
+            ASSERT_NO_FATAL_FAILURE(follower.Follow(BoardOf(fen), 0, 7));
+        }
+    }
+    EXPECT_TRUE(follower.HasSeenEveryKindOfMove());
+}
+
+TEST(Net, OperationsAgreeAtTheEndsOfTheirRanges) {
+    struct alignas(64) Numbers {
+        std::int16_t Of[2 * net::Hidden];
+    };
+    std::mt19937 random(11);
+    const std::int16_t sums[] = {-32768, -1, 0, 1, 254, 255, 256, 16665, 32767};
+    const std::int16_t weights[] = {-127, -1, 0, 1, 127};
+    for (int round = 0; round < 2000; ++round) {
+        Numbers own, other, weight, added, removed;
+        // Whole rounds at the largest values show that nothing overflows.
+        const auto at = [&](const auto& values) {
+            return round < 4 ? values[round % 2 == 0 ? std::size(values) - 1 : std::size(values) - 3]
+                             : values[random() % std::size(values)];
+        };
+        for (int i = 0; i < 2 * net::Hidden; ++i) {
+            own.Of[i] = at(sums);
+            other.Of[i] = at(sums);
+            weight.Of[i] = round == 2 ? std::int16_t{-127} : at(weights);
+            added.Of[i] = static_cast<std::int16_t>(random() % 1011) - 505;
+            removed.Of[i] = static_cast<std::int16_t>(random() % 1011) - 505;
+        }
+        std::int64_t expected = 0;
+        for (int i = 0; i < 2 * net::Hidden; ++i) {
+            const std::int64_t clipped =
+                std::clamp<std::int64_t>((i < net::Hidden ? own.Of[i] : other.Of[i - net::Hidden]), 0, net::Unit);
+            expected += clipped * clipped * weight.Of[i];
+        }
+        for (const net::Operations* operations : {&net::BaseOperations, &net::BestOperations()})
+            ASSERT_EQ(operations->Output(own.Of, other.Of, weight.Of), expected) << round;
+        for (const auto& [addedCount, removedCount] : {std::pair{1, 1}, {1, 2}, {2, 2}}) {
+            net::Change change{{added.Of, removed.Of}, {removed.Of, weight.Of}, addedCount, removedCount};
+            Numbers base, best;
+            net::BaseOperations.Apply(base.Of, own.Of, change);
+            net::BestOperations().Apply(best.Of, own.Of, change);
+            ASSERT_TRUE(std::equal(base.Of, base.Of + net::Hidden, best.Of)) << addedCount << removedCount;
+        }
+    }
 }
 
 TEST(Evaluation, PrefersWhatAPlayerWouldPrefer) {

@@ -1,8 +1,9 @@
+#include "tools/tune/NetTrainer.h"
 #include "tools/tune/SelfPlay.h"
-#include "tools/tune/Tuner.h"
-#include "tools/tune/WeightFile.h"
 
 #include "quarnelchess/board/Fen.h"
+#include "quarnelchess/board/Material.h"
+#include "quarnelchess/evaluation/Endgames.h"
 #include "quarnelchess/evaluation/Evaluation.h"
 #include "tests/quarnelchess/RandomGames.h"
 
@@ -16,45 +17,90 @@
 namespace quarnel::tuning {
 namespace {
 
-TEST(Tuning, FindsTheWeightsBehindTheValuesOfPositions) {
-    constexpr double factor = 1.2; // the values are as if every weight were so much larger
-    const std::string path = testing::TempDir() + "tuning-positions.txt";
-    std::ofstream file(path);
-    engine::ForRandomPositions(40, 60, [&](const engine::Board& board) {
-        engine::EvaluationTrace trace;
-        const int value = engine::Evaluation::Explain(board, trace);
-        file << engine::WriteFen(board) << ";0.5;" << std::lround(factor * value) << '\n';
-    });
-    file.close();
-    TrainingData data;
-    ASSERT_TRUE(LoadTrainingData(path, data));
-    ASSERT_GT(data.Fitted.size(), 2000U);
-    const SmoothWeights start = CompiledWeights();
-    for (const Sample& sample : data.Fitted)
-        // Each of the evaluation's divisions drops less than a centipawn.
-        ASSERT_NEAR(data.Value(sample, start), sample.ValueCp / factor, 2.5);
+using namespace engine;
 
-    TunerOptions options;
-    options.SearchShare = 1;
-    options.Pull = 0;
-    options.Batch = 512;
-    options.Epochs = 30;
-    constexpr double k = 0.004;
-    const SmoothWeights tuned = Tune(data, start, k, options, [](const Epoch&) {});
-    EXPECT_LT(Loss(data, data.HeldOut, tuned, k, 1), Loss(data, data.HeldOut, start, k, 1) / 3);
+WholeNet CompiledNet() {
+    return {net::Numbers, net::Numbers + net::NumberCount};
 }
 
-TEST(Tuning, RewritesNumbersAndNothingElse) {
-    const std::string text = "// {a, b} stays\n// Group\n{1, 2}, {-3, 4},\n{5, 6},\n// end\n";
-    EXPECT_EQ(RewriteWeights(text, {{1.4, -2.6}, {0, 1e3}, {-7, 8}}),
-              "// {a, b} stays\n// Group\n{1, -3}, {0, 1000},\n{-7, 8},\n// end\n");
-    EXPECT_EQ(RewriteWeights(text, SmoothWeights(2)), std::nullopt);
-    EXPECT_EQ(RewriteWeights(text, SmoothWeights(4)), std::nullopt);
+bool UsesTheNetAlone(const Board& board) {
+    int value = 0;
+    return !EvaluateKnownEnding(board, value) && EndgameScale(board, White) == FullScale &&
+           EndgameScale(board, Black) == FullScale;
+}
+
+TEST(Tuning, ComesToTheEnginesValues) {
+    const WholeNet net = CompiledNet();
+    Evaluation evaluation;
+    int compared = 0;
+    ForRandomPositions(40, 120, [&](const Board& board) {
+        if (!UsesTheNetAlone(board)) return;
+        ++compared;
+        ASSERT_EQ(WholeValueCp(net, Pack(board)), evaluation.Evaluate(board)) << WriteFen(board);
+    });
+    EXPECT_GT(compared, 2000);
+    EXPECT_EQ(Round(Unround(net), net[net::ScaleAt]), net);
+}
+
+/// Positions whose value is their material.
+std::vector<PackedPosition> MaterialPositions() {
+    std::vector<PackedPosition> positions;
+    ForRandomPositions(60, 100, [&](const Board& board) {
+        PackedPosition position = Pack(board);
+        int own = 0;
+        for (const PieceKind kind : {Pawn, Knight, Bishop, Rook, Queen})
+            own += ExchangeValue[kind] * (PopCount(board.Pieces(board.SideToMove(), kind)) -
+                                          PopCount(board.Pieces(~board.SideToMove(), kind)));
+        position.ValueCp = static_cast<std::int16_t>(own);
+        positions.push_back(position);
+    });
+    return positions;
+}
+
+void Quietly(int, double, double) {}
+
+TEST(Tuning, LearnsAndRepeatsItself) {
+    const std::vector<PackedPosition> positions = MaterialPositions();
+    TrainingOptions options;
+    options.Epochs = 4;
+    options.BatchSize = 64;
+    options.Threads = 2;
+    options.ValueShare = 1;
+    TrainingState first = TrainingState::Begin(options.Seed);
+    TrainingState second = first;
+    const double before = Loss(first.Net, positions, options);
+    for (int epoch = 0; epoch < options.Epochs; ++epoch) {
+        TrainEpoch(first, positions, options, Quietly);
+        TrainEpoch(second, positions, options, Quietly);
+    }
+    EXPECT_LT(Loss(first.Net, positions, options), before / 10);
+    EXPECT_EQ(first.Net, second.Net);
+    for (std::size_t i = 0; i < net::ScaleAt; ++i) {
+        const double limit = i < net::OutputWeightsAt ? net::LargestInputWeight : net::LargestOutputWeight;
+        ASSERT_LE(std::abs(first.Net[i]), limit) << i;
+    }
+    // Rounding keeps the values.
+    const WholeNet whole = Round(first.Net, 400);
+    for (const PackedPosition& position : positions)
+        ASSERT_NEAR(WholeValueCp(whole, position), 400 * SmoothOutput(first.Net, position), 40);
+}
+
+TEST(Tuning, FindsTheScaleBehindTheResults) {
+    std::vector<PackedPosition> positions;
+    for (int i = 0; i < 20000; ++i) {
+        PackedPosition position;
+        position.ValueCp = static_cast<std::int16_t>(i % 800 - 400);
+        // Each value comes with wins in the share that it means on a scale of 250.
+        const double share = 1 / (1 + std::exp(-position.ValueCp / 250.0));
+        position.Result = i / 800 < share * 25 ? 2 : 0;
+        positions.push_back(position);
+    }
+    EXPECT_NEAR(FitScale(positions), 250, 10);
 }
 
 TEST(SelfPlay, TellsQuietPositionsOfAGameThatItCanPlayAgain) {
-    engine::SteadyClock clock;
-    engine::Search search(clock);
+    SteadyClock clock;
+    Search search(clock);
     SelfPlayOptions options;
     options.Nodes = 100;
     for (const std::uint64_t number : {2, 7}) {
@@ -65,7 +111,7 @@ TEST(SelfPlay, TellsQuietPositionsOfAGameThatItCanPlayAgain) {
         EXPECT_LE(quiet.size(), 20U);
         EXPECT_GT(quiet.size(), 5U);
         for (std::size_t i = 0; i < quiet.size(); ++i) {
-            const std::optional<engine::Board> board = Unpack(quiet[i]);
+            const std::optional<Board> board = Unpack(quiet[i]);
             ASSERT_TRUE(board);
             EXPECT_FALSE(board->InCheck());
             EXPECT_EQ(quiet[i].Occupied, again[i].Occupied);
@@ -75,9 +121,8 @@ TEST(SelfPlay, TellsQuietPositionsOfAGameThatItCanPlayAgain) {
             });
             ASSERT_NE(played, game.Moves.end());
             EXPECT_FALSE(played->Before.IsNoisy(played->Played));
-            EXPECT_EQ(quiet[i].ValueCp, board->SideToMove() == engine::White ? played->ValueCp : -played->ValueCp);
-            EXPECT_EQ(quiet[i].Result,
-                      std::lround(2 * (board->SideToMove() == engine::White ? game.Result : 1 - game.Result)));
+            EXPECT_EQ(quiet[i].ValueCp, board->SideToMove() == White ? played->ValueCp : -played->ValueCp);
+            EXPECT_EQ(quiet[i].Result, std::lround(2 * (board->SideToMove() == White ? game.Result : 1 - game.Result)));
         }
     }
 }
@@ -86,11 +131,11 @@ TEST(Shards, ComeBackAsTheyWentAndRefuseDamage) {
     const std::string path = testing::TempDir() + "positions.qcp";
     Shard shard;
     shard.Header.Seed = 5;
-    engine::ForRandomPositions(3, 50, [&](const engine::Board& board) {
+    ForRandomPositions(3, 50, [&](const Board& board) {
         shard.Positions.push_back(Pack(board));
-        const std::optional<engine::Board> back = Unpack(shard.Positions.back());
+        const std::optional<Board> back = Unpack(shard.Positions.back());
         ASSERT_TRUE(back);
-        EXPECT_EQ(engine::Evaluation().Evaluate(*back), engine::Evaluation().Evaluate(board));
+        EXPECT_EQ(Evaluation().Evaluate(*back), Evaluation().Evaluate(board));
     });
     ASSERT_TRUE(WriteShard(path, shard));
     const std::optional<Shard> read = ReadShard(path);
