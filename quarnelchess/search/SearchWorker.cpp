@@ -68,7 +68,7 @@ bool SearchWorker::IterationsSuffice(int depth) {
     if (rootMoves_.size() == 1 && task_.Deadlines.HasDeadline() && depth >= margins::OnlyMoveDepth) return true;
     if (MateIsProven(depth) && task_.Limits.MultiPv == 1) return true;
     const int valueDropCp = rootMoves_[0].PreviousValue - rootMoves_[0].Value;
-    return task_.Deadlines.SoftTimeIsUp(task_.Time.NowMs(), stability_, valueDropCp);
+    return task_.Deadlines.SoftTimeIsUp(task_.Time.NowMs(), stability_, valueDropCp, 0);
 }
 
 /// The search has looked past the mate it announces, so a shorter one does not exist.

@@ -22,8 +22,9 @@ class TimeControl {
     /// The search ends at once.
     bool HardTimeIsUp(std::int64_t nowMs) const { return nowMs >= hardMs_; }
     /// No new iteration. On a tournament clock later when the value has fallen by `valueDropCp` since the last
-    /// iteration, sooner when `stability` iterations in a row have kept the best move.
-    bool SoftTimeIsUp(std::int64_t nowMs, int stability, int valueDropCp) const;
+    /// iteration, sooner when `stability` iterations in a row have kept the best move, and sooner or later for the
+    /// part of the search's nodes that went below that move, `bestMoveNodePermille`; 0: unknown.
+    bool SoftTimeIsUp(std::int64_t nowMs, int stability, int valueDropCp, int bestMoveNodePermille) const;
 
   private:
     static constexpr std::int64_t Never = std::numeric_limits<std::int64_t>::max();

@@ -27,6 +27,14 @@ constexpr std::int64_t Unbounded = std::int64_t{1} << 40; // milliseconds or nod
 
 const char* const StartText = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 
+/// For a game on a clock that lacks the mover's, in milliseconds: a tenth of the other clock, so that the mover does
+/// not fall far behind if it has as little, and at most a second, since nobody waits for more by intention. -1: that
+/// clock is missing too.
+std::int64_t TimeWithoutClock(std::int64_t otherMs) {
+    constexpr std::int64_t mostMs = 1000;
+    return otherMs < 0 ? mostMs : std::clamp<std::int64_t>(otherMs / 10, 1, mostMs);
+}
+
 std::string MoveText(Move move) {
     if (!move) return "0000";
     std::string text;
@@ -299,7 +307,10 @@ SearchLimits Uci::ReadLimits(std::string_view rest) {
     limits.IncrementMs = std::max<std::int64_t>(given.Increment[side], 0);
     limits.MovesToGo = static_cast<int>(std::max<std::int64_t>(given.MovesToGo, 0));
     const bool bounded = std::max({given.Depth, given.Nodes, given.MoveTime, given.Mate, given.Time[side]}) >= 0;
-    limits.Infinite |= !bounded;
+    const bool onClock =
+        std::max({given.Time[~side], given.Increment[White], given.Increment[Black], given.MovesToGo}) >= 0;
+    if (!bounded && onClock) limits.MoveTimeMs = TimeWithoutClock(given.Time[~side]);
+    limits.Infinite |= !bounded && !onClock;
     return limits;
 }
 

@@ -39,7 +39,7 @@ TEST(Search, TakesItsShareOfTheClock) {
         std::int64_t IncrementMs;
         int MovesToGo;
         std::int64_t ShareMs; // of a move, if all moves took the same time
-    } cases[] = {{30000, 0, 0, 1000}, {30000, 1000, 0, 1750}, {12000, 0, 4, 3000}};
+    } cases[] = {{30000, 0, 0, 1360}, {30000, 1000, 0, 2310}, {12000, 0, 4, 2990}};
     for (const auto& c : cases) {
         FakeClock clock;
         Search search(clock);

@@ -152,6 +152,27 @@ TEST(Uci, AnswersAnEndlessSearchOnlyWhenItIsAsked) {
     }
 }
 
+TEST(Uci, ThinksShortlyInAClockGameThatLacksItsOwnClock) {
+    const struct {
+        const char* Go;
+        std::int64_t DurationMs;
+    } cases[] = {{"go btime 5000 binc 50", 500},
+                 {"go btime 600000", 1000},
+                 {"go btime 0", 1},
+                 {"go winc 100", 1000},
+                 {"go movestogo 10", 1000}};
+    for (const auto& [go, durationMs] : cases) {
+        Conversation conversation;
+        conversation.Say({go});
+        conversation.Time.Advance(durationMs - 1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(15));
+        EXPECT_EQ(CountMatches(conversation.Take(), "bestmove.*"), 0U) << go;
+        conversation.Time.Advance(1);
+        conversation.AwaitAnswer();
+        EXPECT_EQ(CountMatches(conversation.Take(), "bestmove.*"), 1U) << go;
+    }
+}
+
 /// What the engine reports of a game that it plays against itself, but for times.
 std::string PlaySeed(int skill, int seed, std::string moves) {
     Conversation conversation;
