@@ -184,6 +184,20 @@ TEST(GameClock, TakesWhatWasUsedAndGivesTheIncrement) {
     EXPECT_EQ(clock.Times().LeftMs[engine::Black], 1);
 }
 
+TEST(AwakeTime, PassesOverTheTimeThatNobodyLooked) {
+    const auto at = [](int ms) { return AwakeTime::TimePoint(std::chrono::milliseconds(ms)); };
+    AwakeTime time(at(0));
+    const struct {
+        int NowMs, AwakeMs;
+        bool IsLook; // or is the time only asked for?
+    } cases[] = {{7, 7, false},      {10, 10, true},    {25, 25, true},     {60025, 55, false},
+                 {60030, 55, false}, {60031, 55, true}, {60032, 56, false}, {60041, 65, true}};
+    for (const auto& [nowMs, awakeMs, isLook] : cases) {
+        if (isLook) time.Look(at(nowMs));
+        EXPECT_EQ(time.At(at(nowMs)), at(awakeMs)) << nowMs;
+    }
+}
+
 TEST(GameClock, IsToldToTheEngine) {
     const Limit clock{Limit::Kind::Clock, 0, {1000, 50}};
     const auto times = [](std::optional<ClockRules> white, std::optional<ClockRules> black) {

@@ -3,6 +3,8 @@
 // A side without a clock of its own thinks as long as its other limit lets it. One thread owns the object.
 #pragma once
 
+#include "AwakeTime.h"
+
 #include "quarnelchess/board/Types.h"
 
 #include <chrono>
@@ -43,7 +45,7 @@ class GameClock {
     /// A side may overdraw its clock by `marginMs` milliseconds, the way of its answer to the referee, and has
     /// nothing left then but the increment.
     GameClock(const std::optional<ClockRules>& white, const std::optional<ClockRules>& black, int marginMs,
-              Source now = std::chrono::steady_clock::now);
+              Source now = AwakeNow);
 
     ClockTimes Times() const;
     /// `mover` begins to think.

@@ -25,8 +25,8 @@ struct MatchSetup {
     int Concurrency = 2;
     OpeningRules Opening;
     AdjudicationRules Adjudication;
-    int ClockMarginMs = 0;                                          // that players with a clock may overdraw it
-    GameClock::Source ClockSource = std::chrono::steady_clock::now; // asked by all workers at a time
+    int ClockMarginMs = 0;                    // that players with a clock may overdraw it
+    GameClock::Source ClockSource = AwakeNow; // asked by all workers at a time
     std::optional<SequentialTest> Test;
     std::string JournalPath; // empty: none
     std::string PgnPath;     // finished games are added to this file; empty: none

@@ -1,5 +1,6 @@
 #include "Process.h"
 
+#include "AwakeTime.h"
 #include "Player.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ constexpr int StopCheckMs = 100;
 constexpr int FarewellMs = 300;
 
 int RemainingMs(Process::TimePoint deadline) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - AwakeNow());
     return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, StopCheckMs));
 }
 
@@ -96,7 +97,7 @@ Process::ReadStatus Process::ReadLine(std::string& line, TimePoint deadline) {
         if (stop_.load(std::memory_order_relaxed)) throw Interrupted();
         pollfd waiting{output_, POLLIN, 0};
         if (poll(&waiting, 1, RemainingMs(deadline)) <= 0) {
-            if (std::chrono::steady_clock::now() >= deadline) return ReadStatus::TimedOut;
+            if (AwakeNow() >= deadline) return ReadStatus::TimedOut;
             continue;
         }
         char chunk[4096];

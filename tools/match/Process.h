@@ -30,7 +30,8 @@ class Process {
     bool Write(std::string_view text);
 
     enum class ReadStatus { Line, Ended, TimedOut };
-    /// The next line, without its end, into `line`. Throws Interrupted when the stop flag is raised.
+    /// The next line, without its end, until the awake time `deadline`, into `line`. Throws Interrupted when the stop
+    /// flag is raised.
     ReadStatus ReadLine(std::string& line, TimePoint deadline);
 
     /// Ends it at once and tells how it ended: "ended with status 3", "was killed by signal 11".

@@ -16,7 +16,7 @@ constexpr int MateCp = 30000;
 constexpr std::chrono::milliseconds SetUpTimeout{20000};
 
 Process::TimePoint In(std::chrono::milliseconds duration) {
-    return std::chrono::steady_clock::now() + duration;
+    return AwakeNow() + duration;
 }
 
 /// Names of options are the same in capitals and small letters.
