@@ -296,7 +296,9 @@ int SearchWorker::SearchMoves(Node& node) {
         Board next = board;
         PlayInto(next, board, move, node.Ply);
         ExtendCheck(node, next, candidate);
+        const std::uint64_t nodesBefore = nodes_.load(std::memory_order_relaxed);
         const int value = SearchMove(node, next, candidate, progress);
+        if (node.IsRoot) CountRootNodes(move, nodes_.load(std::memory_order_relaxed) - nodesBefore);
         if (stopped_) return 0;
 
         if (node.IsRoot) RememberRootMove(move, progress.Count, value, node.Alpha);

@@ -68,7 +68,9 @@ bool SearchWorker::IterationsSuffice(int depth) {
     if (rootMoves_.size() == 1 && task_.Deadlines.HasDeadline() && depth >= margins::OnlyMoveDepth) return true;
     if (MateIsProven(depth) && task_.Limits.MultiPv == 1) return true;
     const int valueDropCp = rootMoves_[0].PreviousValue - rootMoves_[0].Value;
-    return task_.Deadlines.SoftTimeIsUp(task_.Time.NowMs(), stability_, valueDropCp, 0);
+    const std::uint64_t nodes = std::max<std::uint64_t>(nodes_.load(std::memory_order_relaxed), 1);
+    const auto bestMovePermille = static_cast<int>(rootMoves_[0].Nodes * 1000 / nodes);
+    return task_.Deadlines.SoftTimeIsUp(task_.Time.NowMs(), stability_, valueDropCp, bestMovePermille);
 }
 
 /// The search has looked past the mate it announces, so a shorter one does not exist.
@@ -148,6 +150,11 @@ void SearchWorker::Report(int index) const {
 bool SearchWorker::IsRootMove(Move move) const {
     return std::any_of(rootMoves_.begin() + static_cast<std::ptrdiff_t>(lineIndex_), rootMoves_.end(),
                        [move](const RootMove& root) { return root.First == move; });
+}
+
+void SearchWorker::CountRootNodes(Move move, std::uint64_t nodes) {
+    for (RootMove& root : rootMoves_)
+        if (root.First == move) root.Nodes += nodes;
 }
 
 void SearchWorker::RememberRootMove(Move move, int moveCount, int value, int alpha) {

@@ -18,6 +18,7 @@ struct RootMove {
     int Value = -InfiniteValue;
     int PreviousValue = -InfiniteValue; // of the iteration before
     int SelectiveDepth = 0;
+    std::uint64_t Nodes = 0; // below it in the whole search
     std::vector<Move> Line;
 };
 
@@ -113,6 +114,7 @@ class SearchWorker {
     void PrepareRoot();
     void SearchDepth(int depth);
     void SearchRootWindow(int depth, int previous);
+    void CountRootNodes(Move move, std::uint64_t nodes);
     void RememberRootMove(Move move, int moveCount, int value, int alpha);
     void Report(int index) const;
     bool MateIsProven(int depth) const;
