@@ -5,33 +5,12 @@
 #include "quarnelchess/search/SearchWorker.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 namespace quarnel::engine {
 namespace {
 
 constexpr int DrawValue = 0;
-
-/// Late moves are searched shallower, the more so the deeper the node and the later the move.
-struct ReductionTable {
-    std::uint8_t Quiet[64][64];
-    std::uint8_t Noisy[64][64];
-    ReductionTable() : Quiet{}, Noisy{} {
-        using namespace margins;
-        for (int depth = 1; depth < 64; ++depth) {
-            for (int number = 1; number < 64; ++number) {
-                const double product = std::log(depth) * std::log(number);
-                Quiet[depth][number] = static_cast<std::uint8_t>(QuietReductionBase + product / QuietReductionDivisor);
-                Noisy[depth][number] = static_cast<std::uint8_t>(NoisyReductionBase + product / NoisyReductionDivisor);
-            }
-        }
-    }
-    int Of(bool noisy, int depth, int number) const {
-        return (noisy ? Noisy : Quiet)[depth < 64 ? depth : 63][number < 64 ? number : 63];
-    }
-};
-const ReductionTable Reductions;
 
 PieceKind CapturedKind(const Board& board, Move move) {
     return move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(board.At(move.To()));
@@ -346,7 +325,7 @@ bool SearchWorker::IsPruned(const Node& node, const NodeMove& candidate, const P
         return depth <= NoisyExchangeMaxDepth &&
                !board.ExchangeGains(candidate.Played, NoisyExchangePerDepthCp * depth);
 
-    const int reduced = std::max(depth - Reductions.Of(false, depth, progress.Count), 0);
+    const int reduced = std::max(depth - reductions_.Of(false, depth, progress.Count), 0);
     const bool isFutile = !node.InCheck && reduced <= FutilityMaxDepth &&
                           At(node.Ply).StaticEval + FutilityBaseCp + FutilityPerDepthCp * reduced <= node.Alpha;
     // A check may be mate.
@@ -421,7 +400,7 @@ int SearchWorker::SearchMove(const Node& node, const Board& next, const NodeMove
 int SearchWorker::Reduction(const Node& node, const NodeMove& candidate, int moveCount) const {
     const Move move = candidate.Played;
     const PlyState& state = At(node.Ply);
-    int reduction = Reductions.Of(candidate.IsNoisy, node.Depth, moveCount);
+    int reduction = reductions_.Of(candidate.IsNoisy, node.Depth, moveCount);
     reduction += node.IsCutNode ? 1 : 0;
     reduction += !node.IsImproving ? 1 : 0;
     reduction -= node.WasPv ? 1 : 0;

@@ -5,6 +5,7 @@
 
 #include "quarnelchess/evaluation/Evaluation.h"
 #include "quarnelchess/search/History.h"
+#include "quarnelchess/search/Reductions.h"
 #include "quarnelchess/search/SearchTask.h"
 
 #include <algorithm>
@@ -167,6 +168,7 @@ class SearchWorker {
     SearchTask& task_;
     const int index_;
     std::atomic<std::uint64_t>& nodes_;
+    const ReductionTable reductions_;
     Evaluation evaluation_;
     History history_;
     std::vector<RootMove> rootMoves_;

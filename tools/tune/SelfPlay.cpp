@@ -30,50 +30,24 @@ std::mt19937_64 RandomFor(std::uint64_t seed, std::uint64_t number, std::uint64_
     return std::mt19937_64(sequence);
 }
 
-/// The game as far as it has come: the position and what repetitions need.
-struct Progress {
-    SearchRoot Root;
-    int Ply = 0;
-
-    void Play(Move move) {
-        Root.Earlier.push_back(Root.Position.PositionKey());
-        Root.Position.Make(move);
-        if (Root.Position.HalfmoveClock() == 0) Root.Earlier.clear();
-        ++Ply;
-    }
-    bool IsDrawn() const {
-        const Board& board = Root.Position;
-        const Key key = board.PositionKey();
-        return board.HalfmoveClock() >= 100 || board.InsufficientMaterial() || Ply >= LongestGame ||
-               std::count(Root.Earlier.begin(), Root.Earlier.end(), key) >= 2;
-    }
-};
-
-SearchResult Think(Search& search, const Progress& progress, std::uint64_t nodes) {
+SearchResult Think(Search& search, const SearchRoot& root, std::uint64_t nodes) {
     SearchLimits limits;
     limits.Nodes = nodes;
-    return search.Run(progress.Root, limits);
+    return search.Run(root, limits);
 }
 
 /// Six to nine random legal moves; nothing when they end the game.
-std::optional<Progress> RandomOpening(std::mt19937_64& random) {
-    Progress progress;
+std::optional<GameSoFar> RandomMoves(std::mt19937_64& random) {
+    GameSoFar game;
     const auto plies = static_cast<int>(6 + random() % 4);
-    while (progress.Ply < plies) {
+    while (game.Ply < plies) {
         MoveBuffer moves;
-        GenerateMoves(progress.Root.Position, moves);
+        GenerateMoves(game.Root.Position, moves);
         if (moves.Empty()) return std::nullopt;
-        progress.Play(moves[random() % moves.Size()]);
+        game.Play(moves[random() % moves.Size()]);
     }
-    if (CountMoves(progress.Root.Position) == 0) return std::nullopt;
-    return progress;
-}
-
-Progress OpeningWithin(int limitCp, Search& search, const SelfPlayOptions& options, std::mt19937_64& random) {
-    while (true) {
-        const std::optional<Progress> opening = RandomOpening(random);
-        if (opening && std::abs(Think(search, *opening, options.Nodes).Value) <= limitCp) return *opening;
-    }
+    if (CountMoves(game.Root.Position) == 0) return std::nullopt;
+    return game;
 }
 
 /// Counts for how long both sides have agreed.
@@ -120,31 +94,56 @@ bool NothingHangs(const Board& board, Evaluation& evaluation) {
 
 } // namespace
 
-PlayedGame PlayGame(Search& search, const SelfPlayOptions& options, std::uint64_t number) {
+void GameSoFar::Play(Move move) {
+    Root.Earlier.push_back(Root.Position.PositionKey());
+    Root.Position.Make(move);
+    if (Root.Position.HalfmoveClock() == 0) Root.Earlier.clear();
+    ++Ply;
+}
+
+bool GameSoFar::IsDrawn() const {
+    const Board& board = Root.Position;
+    return board.HalfmoveClock() >= 100 || board.InsufficientMaterial() || Ply >= LongestGame ||
+           std::count(Root.Earlier.begin(), Root.Earlier.end(), board.PositionKey()) >= 2;
+}
+
+GameSoFar RandomOpening(Search& search, const SelfPlayOptions& options, int limitCp, std::uint64_t number) {
     std::mt19937_64 random = RandomFor(options.Seed, number, 0);
-    search.NewGame();
-    Progress progress = OpeningWithin(number % 2 == 0 ? EvenOpeningCp : UnevenOpeningCp, search, options, random);
-    const bool isPlayedOn = number % PlayedOnEvery == PlayedOnEvery - 1;
+    while (true) {
+        const std::optional<GameSoFar> opening = RandomMoves(random);
+        if (opening && std::abs(Think(search, opening->Root, options.Nodes).Value) <= limitCp) return *opening;
+    }
+}
+
+PlayedGame PlayOn(GameSoFar soFar, const Player& white, const Player& black, bool toTheEnd) {
     PlayedGame game;
     Agreement agreement;
-    while (!progress.IsDrawn()) {
-        const Board& board = progress.Root.Position;
-        const bool white = board.SideToMove() == White;
+    while (!soFar.IsDrawn()) {
+        const Board& board = soFar.Root.Position;
+        const bool isWhite = board.SideToMove() == White;
         if (CountMoves(board) == 0) {
-            if (board.InCheck()) game.Result = white ? 0.0 : 1.0;
+            if (board.InCheck()) game.Result = isWhite ? 0.0 : 1.0;
             break;
         }
-        const SearchResult result = Think(search, progress, options.Nodes);
-        const int value = white ? result.Value : -result.Value;
-        game.Moves.push_back({board, result.Best, value, progress.Ply});
-        const std::optional<double> agreed = agreement.Add(value, progress.Ply);
-        if (agreed && !(isPlayedOn && *agreed != 0.5)) {
+        const SearchResult result = (isWhite ? white : black)(soFar.Root);
+        const int value = isWhite ? result.Value : -result.Value;
+        game.Moves.push_back({board, result.Best, value, soFar.Ply});
+        const std::optional<double> agreed = agreement.Add(value, soFar.Ply);
+        if (agreed && !(toTheEnd && *agreed != 0.5)) {
             game.Result = *agreed;
             break;
         }
-        progress.Play(result.Best);
+        soFar.Play(result.Best);
     }
     return game;
+}
+
+PlayedGame PlayGame(Search& search, const SelfPlayOptions& options, std::uint64_t number) {
+    search.NewGame();
+    const int limitCp = number % 2 == 0 ? EvenOpeningCp : UnevenOpeningCp;
+    const Player player = [&](const SearchRoot& root) { return Think(search, root, options.Nodes); };
+    return PlayOn(RandomOpening(search, options, limitCp, number), player, player,
+                  number % PlayedOnEvery == PlayedOnEvery - 1);
 }
 
 std::vector<PackedPosition> QuietPositions(const PlayedGame& game, std::size_t most, std::uint64_t number) {
