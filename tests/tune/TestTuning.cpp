@@ -1,4 +1,5 @@
 #include "tools/tune/NetTrainer.h"
+#include "tools/tune/Perturbation.h"
 #include "tools/tune/SelfPlay.h"
 
 #include "quarnelchess/board/Fen.h"
@@ -13,6 +14,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 namespace quarnel::tuning {
 namespace {
@@ -96,6 +98,38 @@ TEST(Tuning, FindsTheScaleBehindTheResults) {
         positions.push_back(position);
     }
     EXPECT_NEAR(FitScale(positions), 250, 10);
+}
+
+TEST(Perturbation, FindsTheBestNumbersFromNoisyGamesAndKeepsTheirLimits) {
+    // A player is the stronger the nearer his numbers are to these; the third cannot get there.
+    const double best[] = {30, -400, 9};
+    PerturbationOptions options;
+    options.Iterations = 4000;
+    options.LastRate = 0.02;
+    Perturbation learning({{"a", 10, 0, 100, 4}, {"b", 0, -1000, 1000, 80}, {"c", 2, 0, 5, 0.5}}, options);
+    std::mt19937 random(4);
+    const auto weakness = [&](const std::vector<double>& values) {
+        double sum = 0;
+        const double unit[] = {10, 200, 2};
+        for (std::size_t i = 0; i < 3; ++i) sum += std::pow((values[i] - best[i]) / unit[i], 2);
+        return sum;
+    };
+    for (std::uint64_t iteration = 0; iteration < options.Iterations; ++iteration) {
+        const PerturbedPair pair = learning.PairOf(iteration);
+        for (std::size_t i = 0; i < 3; ++i) {
+            ASSERT_GE(std::min(pair.Up[i], pair.Down[i]), learning.Numbers()[i].Low);
+            ASSERT_LE(std::max(pair.Up[i], pair.Down[i]), learning.Numbers()[i].High);
+        }
+        double points = 0;
+        for (int game = 0; game < 8; ++game) {
+            const double share = 1 / (1 + std::exp(weakness(pair.Up) - weakness(pair.Down)));
+            points += static_cast<double>(random() % 10000) < share * 10000 ? 1 : -1;
+        }
+        learning.Learn(iteration, pair, points);
+    }
+    EXPECT_NEAR(learning.Numbers()[0].Value, 30, 6);
+    EXPECT_NEAR(learning.Numbers()[1].Value, -400, 120);
+    EXPECT_NEAR(learning.Numbers()[2].Value, 5, 0.5);
 }
 
 TEST(SelfPlay, TellsQuietPositionsOfAGameThatItCanPlayAgain) {
