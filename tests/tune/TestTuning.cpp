@@ -94,7 +94,8 @@ TEST(Tuning, FindsTheScaleBehindTheResults) {
         position.ValueCp = static_cast<std::int16_t>(i % 800 - 400);
         // Each value comes with wins in the share that it means on a scale of 250.
         const double share = 1 / (1 + std::exp(-position.ValueCp / 250.0));
-        position.Result = i / 800 < share * 25 ? 2 : 0;
+        const int round = i / 800; // of 25
+        position.Result = round < share * 25 ? 2 : 0;
         positions.push_back(position);
     }
     EXPECT_NEAR(FitScale(positions), 250, 10);

@@ -154,6 +154,7 @@ std::span<const std::uint32_t> PartOf(std::span<const std::uint32_t> all, int pa
 
 void InThreads(int threads, const std::function<void(int)>& work) {
     std::vector<std::jthread> running;
+    running.reserve(static_cast<std::size_t>(threads));
     for (int thread = 0; thread < threads; ++thread) running.emplace_back(work, thread);
 }
 
