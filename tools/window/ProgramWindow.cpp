@@ -1,5 +1,6 @@
 #include "window/ProgramWindow.h"
 
+#include "quarnelchess/board/Fen.h"
 #include "quarnelchess/board/MoveGen.h"
 #include "quarnelchess/records/Records.h"
 
@@ -70,7 +71,7 @@ engine::Move ProgramWindow::AwaitReply(engine::Board& game) {
     engine::MoveBuffer replies;
     engine::GenerateMoves(game, replies);
     engine::Move reply;
-    Await("a legal move", [&] {
+    Await("a legal move in " + engine::WriteFen(game, 1), [&] {
         TakeMessageAway(); // it would cover the mating move
         if (!Eye->Look() || !Eye->Idle()) return false;
         for (const engine::Move move : replies) {
