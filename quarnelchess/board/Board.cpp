@@ -84,7 +84,6 @@ void Board::Put(Square square, Piece piece) {
     squares_[square] = piece;
     key_ ^= Zobrist.Piece[piece][square];
     (KindOf(piece) == Pawn ? pawnKey_ : pieceKeys_[ColorOf(piece)]) ^= Zobrist.Piece[piece][square];
-    phase_ += PhaseOf[KindOf(piece)];
 }
 
 void Board::Remove(Square square) {
@@ -95,7 +94,6 @@ void Board::Remove(Square square) {
     squares_[square] = NoPiece;
     key_ ^= Zobrist.Piece[piece][square];
     (KindOf(piece) == Pawn ? pawnKey_ : pieceKeys_[ColorOf(piece)]) ^= Zobrist.Piece[piece][square];
-    phase_ -= PhaseOf[KindOf(piece)];
 }
 
 void Board::UpdateCheckers() {

@@ -41,8 +41,6 @@ class Board {
     Key PawnKey() const { return pawnKey_; }
     /// Of one side's pieces, pawns left out.
     Key PieceKey(Color color) const { return pieceKeys_[color]; }
-    /// 0..FullPhase and beyond after promotions.
-    int Phase() const { return phase_; }
 
     /// Enemy pieces that give check to the side to move.
     Bitboard Checkers() const { return checkers_; }
@@ -86,7 +84,6 @@ class Board {
     Key pieceKeys_[2] = {};
     Square enPassant_ = NoSquare;
     int halfmoveClock_ = 0;
-    int phase_ = 0;
     Color side_ = White;
     std::uint8_t castling_ = 0;
     Piece squares_[64] = {};

@@ -166,18 +166,6 @@ class MoveArray {
 /// with promotions).
 using MoveBuffer = MoveArray<384>;
 
-/// A middlegame and an endgame value in centipawns, blended by the material left.
-struct Score {
-    int Mg = 0;
-    int Eg = 0;
-    constexpr Score operator+(Score other) const { return {Mg + other.Mg, Eg + other.Eg}; }
-    constexpr Score operator-(Score other) const { return {Mg - other.Mg, Eg - other.Eg}; }
-    constexpr Score operator-() const { return {-Mg, -Eg}; }
-    constexpr Score operator*(int factor) const { return {Mg * factor, Eg * factor}; }
-    constexpr Score& operator+=(Score other) { return *this = *this + other; }
-    constexpr Score& operator-=(Score other) { return *this = *this - other; }
-};
-
 /// Search values, in centipawns from the side to move's view. A mate in n plies is MateValue - n.
 constexpr int MaxPly = 128;
 constexpr int MateValue = 32000;
