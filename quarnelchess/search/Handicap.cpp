@@ -18,24 +18,39 @@ struct Level {
     int NoiseCp;
     int OverlookQuietPermille;
     int OverlookNoisyPermille;
+    int OverlookMatePermille;
 };
 
 // Between these a skill is blended from its neighbours.
 constexpr Level Levels[] = {
-    {0, 1, 300, 40, 1200, 900, 700}, //
-    {10, 1, 300, 24, 750, 820, 560}, //
-    {20, 2, 500, 10, 210, 570, 190}, //
-    {30, 3, 1300, 6, 80, 360, 66},   //
-    {50, 4, 1700, 6, 46, 240, 28},   //
-    {75, 6, 4200, 6, 30, 100, 9},    //
-    {100, 10, 10000, 6, 12, 25, 0},
+    {0, 1, 300, 40, 1200, 900, 700, 350}, //
+    {10, 1, 300, 24, 750, 820, 560, 250}, //
+    {20, 2, 500, 10, 210, 570, 190, 120}, //
+    {30, 3, 1300, 6, 80, 360, 66, 40},    //
+    {50, 4, 1700, 6, 46, 240, 28, 0},     //
+    {75, 6, 4200, 6, 30, 100, 9, 0},      //
+    {84, 9, 9000, 3, 12, 30, 2, 0},       //
+    {92, 14, 25000, 2, 5, 8, 0, 0},       //
+    {99, 60, 120000, 1, 0, 0, 0, 0},
 };
 
+constexpr int KeepsQueenFromSkill = 30;
 constexpr int CarefulFromSkill = 50;
+constexpr int FarsightedFromSkill = 84; // sees so much that rules of thumb would only forbid him to sacrifice
 constexpr int EndingsFromSkill = 30;
+constexpr int QueenCp = 600; // by exchange: more than a rook
+constexpr int PieceCp = 250;
 
 int Between(int low, int high, int part, int whole) {
     return low + (high - low) * part / whole;
+}
+
+/// The same for a move, a position and an occasion; the more often the higher `permille`, and then in every case in
+/// which it happens for a lower one.
+bool Happens(int permille, const Board& board, Move move, std::uint64_t occasion) {
+    if (permille == 0) return false;
+    const std::uint64_t draw = Mix(board.PositionKey() ^ Mix(occasion ^ (std::uint64_t{move.Bits()} << 20)));
+    return static_cast<int>(draw % 1000) < permille;
 }
 
 } // namespace
@@ -57,10 +72,13 @@ Handicap HandicapFor(int skill, const Board& root) {
     handicap.NoiseCp = Between(below.NoiseCp, above.NoiseCp, part, whole);
     handicap.OverlookQuietPermille = Between(below.OverlookQuietPermille, above.OverlookQuietPermille, part, whole);
     handicap.OverlookNoisyPermille = Between(below.OverlookNoisyPermille, above.OverlookNoisyPermille, part, whole);
-    handicap.Careful = clamped >= CarefulFromSkill;
+    handicap.OverlookMatePermille = Between(below.OverlookMatePermille, above.OverlookMatePermille, part, whole);
+    handicap.FearsMate = clamped >= CarefulFromSkill && clamped < FarsightedFromSkill;
+    if (clamped >= KeepsQueenFromSkill && clamped < FarsightedFromSkill)
+        handicap.KeepsCp = handicap.FearsMate ? PieceCp : QueenCp;
     if (clamped >= EndingsFromSkill && !MoreThanOne(root.Pieces(~root.SideToMove()))) {
-        handicap.Depth = 14;
-        handicap.Nodes = 30000;
+        handicap.Depth = std::max(handicap.Depth, 14);
+        handicap.Nodes = std::max<std::uint64_t>(handicap.Nodes, 30000);
         handicap.Candidates = 1;
         handicap.NoiseCp = handicap.OverlookQuietPermille = handicap.OverlookNoisyPermille = 0;
     }
@@ -69,9 +87,7 @@ Handicap HandicapFor(int skill, const Board& root) {
 
 bool Overlooks(const Handicap& handicap, const Board& board, Move move, std::uint64_t occasion) {
     const int permille = board.IsNoisy(move) ? handicap.OverlookNoisyPermille : handicap.OverlookQuietPermille;
-    if (permille == 0) return false;
-    const std::uint64_t draw = Mix(board.PositionKey() ^ Mix(occasion ^ (std::uint64_t{move.Bits()} << 20)));
-    return static_cast<int>(draw % 1000) < permille;
+    return Happens(permille, board, move, occasion);
 }
 
 bool MatesAtOnce(const Board& board, Move move) {
@@ -80,41 +96,52 @@ bool MatesAtOnce(const Board& board, Move move) {
     return next.InCheck() && CountMoves(next) == 0;
 }
 
-bool HangsMateOrQueen(const Board& board, Move move) {
+bool HangsMate(const Board& board, Move move) {
     Board next = board;
     next.Make(move);
     MoveBuffer replies;
     GenerateMoves(next, replies);
-    const Bitboard queens = next.Pieces(board.SideToMove(), Queen);
-    for (const Move reply : replies) {
-        if (next.GivesCheck(reply) && MatesAtOnce(next, reply)) return true;
-        // The exchange loses more than a rook, and the move itself did not win as much.
-        if ((queens & Bit(reply.To())) != 0 && next.ExchangeGains(reply, 600) && !board.ExchangeGains(move, 300))
-            return true;
-    }
-    return false;
+    return std::any_of(replies.begin(), replies.end(),
+                       [&](Move reply) { return next.GivesCheck(reply) && MatesAtOnce(next, reply); });
+}
+
+bool LosesToCapture(const Board& board, Move move, int leastCp) {
+    const int taken =
+        move.Kind() == MoveKind::EnPassant ? ExchangeValue[Pawn] : ExchangeValue[KindOf(board.At(move.To()))];
+    Board next = board;
+    next.Make(move);
+    MoveBuffer replies;
+    GenerateMoves<MoveClass::Noisy>(next, replies);
+    return std::any_of(replies.begin(), replies.end(),
+                       [&](Move reply) { return next.IsCapture(reply) && next.ExchangeGains(reply, taken + leastCp); });
 }
 
 std::size_t ChooseCandidate(const Board& root, const std::vector<Candidate>& candidates, const Handicap& handicap,
                             std::uint64_t occasion) {
     if (handicap.IsNone() || candidates.empty()) return 0;
-    if (handicap.Careful)
-        for (std::size_t i = 0; i < candidates.size(); ++i)
-            if (MatesAtOnce(root, candidates[i].First)) return i;
-
     const std::size_t count = std::min(candidates.size(), static_cast<std::size_t>(handicap.Candidates));
     std::vector<std::pair<int, std::size_t>> ranking;
+    std::uint64_t draw = occasion;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
-        occasion = Mix(occasion);
-        const int noise =
-            handicap.NoiseCp == 0 ? 0 : static_cast<int>(occasion % static_cast<std::uint64_t>(handicap.NoiseCp));
+        const auto [move, value] = candidates[i];
+        draw = Mix(draw);
+        const bool overlooked = MatesAtOnce(root, move);
+        if (overlooked && !Happens(handicap.OverlookMatePermille, root, move, occasion)) return i;
+        const bool doubtful = handicap.NoiseCp != 0 && std::abs(value) < MateInMaxPly;
+        const int noise = doubtful ? static_cast<int>(draw % static_cast<std::uint64_t>(handicap.NoiseCp)) : 0;
         // The rest stay in their order behind, should all candidates be careless ones.
-        ranking.emplace_back(i < count ? candidates[i].Value + noise : -1000000 - static_cast<int>(i), i);
+        ranking.emplace_back(i < count && !overlooked ? value + noise : -1000000 - static_cast<int>(i), i);
     }
     std::stable_sort(ranking.begin(), ranking.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
-    if (handicap.Careful)
-        for (const auto& [value, index] : ranking)
-            if (!HangsMateOrQueen(root, candidates[index].First)) return index;
+    for (const bool keeping : {true, false}) {
+        for (const auto& [value, index] : ranking) {
+            const Move move = candidates[index].First;
+            if (value >= MateInMaxPly) return index;
+            if (handicap.FearsMate && HangsMate(root, move)) continue;
+            if (keeping && handicap.KeepsCp != 0 && LosesToCapture(root, move, handicap.KeepsCp)) continue;
+            return index;
+        }
+    }
     return ranking[0].second;
 }
 

@@ -1,8 +1,9 @@
 // How a weaker player is made: less work for each move, oversights, and a judgement that is a little off.
 //
 // A weak player overlooks moves, quiet ones far more often than captures, his opponent's and his own, and
-// sees only so far; what he sees he judges almost as the full engine does. Nothing here depends on
-// time, so a level plays alike on every machine, and the same seed always plays alike.
+// sees only so far; what he sees he judges almost as the full engine does, and a mate that he sees he plays.
+// Whoever is no beginner does not leave a piece to a plain capture. Nothing here depends on time, so a level
+// plays alike on every machine, and the same seed always plays alike.
 #pragma once
 
 #include "quarnelchess/board/Board.h"
@@ -18,7 +19,9 @@ struct Handicap {
     int NoiseCp = 0;         // how far the judgement of a candidate may be off
     int OverlookQuietPermille = 0;
     int OverlookNoisyPermille = 0;
-    bool Careful = false; // sees every mate in one, for and against, and a queen about to be lost
+    int OverlookMatePermille = 0; // of mates in one that he could play
+    int KeepsCp = 0;              // leaves nothing worth so much to a plain capture that he could save; 0: no such care
+    bool FearsMate = false;       // sees every mate in one against him
 
     bool IsNone() const { return Nodes == 0; }
 };
@@ -35,14 +38,17 @@ struct Candidate {
     int Value = 0; // centipawns, from the mover's view
 };
 
-/// The index of the candidate to play, from values ordered best first. Only the first
-/// `handicap.Candidates` are considered, and a careful player passes over those that hang mate or queen.
+/// The index of the candidate to play, from values ordered best first. A mate in one that is not overlooked is played;
+/// otherwise the first `handicap.Candidates` are considered, and the rest only where those are careless. No doubt is
+/// cast on a value that is a proven mate.
 std::size_t ChooseCandidate(const Board& root, const std::vector<Candidate>& candidates, const Handicap& handicap,
                             std::uint64_t occasion);
 
 /// The move mates, at once.
 bool MatesAtOnce(const Board& board, Move move);
-/// After the move the opponent mates at once, or wins the queen for little.
-bool HangsMateOrQueen(const Board& board, Move move);
+/// After the move the opponent mates at once.
+bool HangsMate(const Board& board, Move move);
+/// After the move a capture gains by exchange at least `leastCp` more than the move itself took.
+bool LosesToCapture(const Board& board, Move move, int leastCp);
 
 } // namespace quarnel::engine

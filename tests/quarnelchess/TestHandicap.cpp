@@ -101,7 +101,7 @@ TEST(Handicap, WonEndingsAreWonFromTheThirdLevelOn) {
     }
 }
 
-TEST(Handicap, CarefulPlayersSeeMateInOneAndTheirQueen) {
+TEST(Handicap, CarefulPlayersSeeMateInOneAndKeepTheirPieces) {
     SteadyClock clock;
     Search search(clock);
     search.SetHash(1);
@@ -111,21 +111,51 @@ TEST(Handicap, CarefulPlayersSeeMateInOneAndTheirQueen) {
     } cases[] = {{"6k1/5ppp/8/8/8/8/5PPP/3R2K1 w - - 0 1", true},
                  {"r4rk1/pp3ppp/2p5/8/8/2P5/PP3PPP/3QR1K1 w - - 0 1", false},
                  {"3r2k1/5ppp/8/8/8/8/1B3PPP/6K1 w - - 0 1", false},    // Rd1 mates unless met
-                 {"6k1/3p4/2n5/4Q3/8/8/PPP2PPP/4K3 w - - 0 1", false}}; // the knight attacks the queen
+                 {"6k1/3p4/2n5/4Q3/8/8/PPP2PPP/4K3 w - - 0 1", false},  // the knight attacks the queen
+                 {"6k1/5ppp/8/3b4/8/1N6/PP3PPP/6K1 w - - 0 1", false}}; // the bishop the knight, once a2 moves
     for (std::uint64_t seed = 0; seed < 15; ++seed) {
         search.SetSeed(seed);
-        for (const int skill : {50, 75, 99}) {
+        for (const int skill : {50, 75, 83}) {
             for (const auto& c : cases) {
                 const Board board = BoardOf(c.Fen);
                 const Move move = Engine(search, skill)(board, {});
                 EXPECT_EQ(MatesAtOnce(board, move), c.Mates) << c.Fen << " " << NameOf(move);
-                EXPECT_FALSE(HangsMateOrQueen(board, move)) << c.Fen << " " << NameOf(move);
+                EXPECT_FALSE(HangsMate(board, move)) << c.Fen << " " << NameOf(move);
+                EXPECT_FALSE(LosesToCapture(board, move, 250)) << c.Fen << " " << NameOf(move);
             }
         }
     }
     const Board threatened = BoardOf(cases[2].Fen);
-    EXPECT_FALSE(HangsMateOrQueen(threatened, ReadSan(threatened, "Bc3")));
-    EXPECT_TRUE(HangsMateOrQueen(threatened, ReadSan(threatened, "Ba3")));
+    EXPECT_FALSE(HangsMate(threatened, ReadSan(threatened, "Bc3")));
+    EXPECT_TRUE(HangsMate(threatened, ReadSan(threatened, "Ba3")));
+    // A trade loses nothing, to take a guarded pawn does.
+    const Board trade = BoardOf("6k1/3p4/2n1p3/8/3N4/8/1P4P1/3R2K1 w - - 0 1");
+    EXPECT_FALSE(LosesToCapture(trade, ReadSan(trade, "Nxc6"), 250));
+    EXPECT_TRUE(LosesToCapture(trade, ReadSan(trade, "Nxe6"), 200));
+    EXPECT_FALSE(LosesToCapture(trade, ReadSan(trade, "Nxe6"), 250));
+}
+
+TEST(Handicap, NoDoubtFallsOnAMateAndOnlyBeginnersOverlookOne) {
+    const Board board = BoardOf("6k1/5ppp/8/8/8/8/5PPP/3RR1K1 w - - 0 1");
+    const Move mates = ReadSan(board, "Rd8");
+    const Move waits = ReadSan(board, "h3");
+    const Move walks = ReadSan(board, "Kf1");
+    int played[3] = {};
+    const int skills[] = {10, 30, 50};
+    for (std::uint64_t occasion = 0; occasion < 400; ++occasion) {
+        const std::vector<Candidate> distant{{waits, MateValue - 5}, {walks, MateValue - 7}};
+        for (int i = 0; i < 3; ++i) {
+            const Handicap handicap = HandicapFor(skills[i], board);
+            EXPECT_EQ(ChooseCandidate(board, distant, handicap, occasion), 0U);
+            const std::vector<Candidate> candidates{{waits, 900}, {mates, MateValue - 1}, {walks, 0}};
+            played[i] += ChooseCandidate(board, candidates, handicap, occasion) == 1 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(played[0], 200);
+    EXPECT_LT(played[0], 360);
+    EXPECT_LT(played[0], played[1]);
+    EXPECT_LT(played[1], 400);
+    EXPECT_EQ(played[2], 400);
 }
 
 TEST(Handicap, WeakerPlayersSeeLessAndOverlookMoreByTheOccasion) {
