@@ -13,7 +13,7 @@ using Error = CLI::ValidationError;
 
 constexpr const char* PlayerHelp = R"(A player is
   cmd=COMMAND       an engine for the universal chess interface, run by the shell,
-                    or builtin:random, builtin:grabber
+                    or builtin:random, builtin:grabber, builtin:careful
   name=NAME         one word; first and second if left out
   nodes=N | movetime=MS | depth=N    the limit for each move, or
   clock=BASE+INCREMENT               seconds for the game, and those that each move

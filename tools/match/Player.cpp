@@ -2,7 +2,10 @@
 
 #include "UciPlayer.h"
 
+#include "quarnelchess/search/Handicap.h"
+
 #include <csignal>
+#include <limits>
 #include <random>
 
 namespace quarnel::match {
@@ -28,6 +31,12 @@ int AllAlike(const Board&, Move) {
     return 0;
 }
 
+/// Takes what he can, but leaves nothing to a capture.
+int PreyWithCare(const Board& board, Move move) {
+    constexpr int pieceCp = 200;
+    return engine::LosesToCapture(board, move, pieceCp) ? -1 : Prey(board, move);
+}
+
 /// Plays any of the moves that his judgement likes best.
 class SimplePlayer final : public Player {
   public:
@@ -39,7 +48,7 @@ class SimplePlayer final : public Player {
         MoveBuffer moves;
         engine::GenerateMoves(game.Position(), moves);
         std::vector<Move> best;
-        int bestValue = 0;
+        int bestValue = std::numeric_limits<int>::min();
         for (const Move move : moves) {
             const int value = judge_(game.Position(), move);
             if (value > bestValue) best.clear();
@@ -59,6 +68,7 @@ class SimplePlayer final : public Player {
 std::unique_ptr<Player> MakePlayer(const PlayerSetup& setup, const std::atomic<bool>& stop) {
     if (setup.Command == "builtin:random") return std::make_unique<SimplePlayer>(AllAlike);
     if (setup.Command == "builtin:grabber") return std::make_unique<SimplePlayer>(Prey);
+    if (setup.Command == "builtin:careful") return std::make_unique<SimplePlayer>(PreyWithCare);
     if (setup.IsBuiltin()) throw std::runtime_error("There is no player \"" + setup.Command + "\".");
     return std::make_unique<UciPlayer>(setup, stop);
 }

@@ -28,7 +28,7 @@ struct Limit {
 
 struct PlayerSetup {
     std::string Name;    // no blanks
-    std::string Command; // for the shell; "builtin:random" and "builtin:grabber" are our own
+    std::string Command; // for the shell; "builtin:random", "builtin:grabber" and "builtin:careful" are our own
     std::vector<std::pair<std::string, std::string>> Options;
     Limit Thinking;        // needed by engines; our own heed none, but the referee's clock runs for them as well
     int TimeoutMs = 60000; // for a move, beyond what the clock has left; the engine is hanging then
