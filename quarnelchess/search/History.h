@@ -3,6 +3,7 @@
 #pragma once
 
 #include "quarnelchess/board/Board.h"
+#include "quarnelchess/search/Margins.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -44,14 +45,16 @@ class History {
     int Correction(const Board& board) const {
         const Tables& t = *tables_;
         const Color side = board.SideToMove();
-        const int sum = 2 * t.PawnCorrection[side][Slot(board.PawnKey())].Value() +
-                        t.PieceCorrection[side][White][Slot(board.PieceKey(White))].Value() +
-                        t.PieceCorrection[side][Black][Slot(board.PieceKey(Black))].Value();
-        return sum / 512;
+        const int pieces = t.PieceCorrection[side][White][Slot(board.PieceKey(White))].Value() +
+                           t.PieceCorrection[side][Black][Slot(board.PieceKey(Black))].Value();
+        const int sum = margins::PawnCorrectionWeight * t.PawnCorrection[side][Slot(board.PawnKey())].Value() +
+                        margins::PieceCorrectionWeight * pieces;
+        return sum / 16384;
     }
     /// A search of `depth` found the corrected evaluation wrong by `errorCp`.
     void Correct(const Board& board, int depth, int errorCp) {
-        const int bonus = std::clamp(errorCp * depth / 4, -CorrectionLimit / 4, CorrectionLimit / 4);
+        const int bonus =
+            std::clamp(errorCp * depth / margins::CorrectionErrorDivisor, -CorrectionLimit / 4, CorrectionLimit / 4);
         const Color side = board.SideToMove();
         tables_->PawnCorrection[side][Slot(board.PawnKey())].Add(bonus);
         for (const Color color : {White, Black})

@@ -1,7 +1,7 @@
 // The numbers of the search, one line of reason each.
 //
 // Depths and reductions are plies, values and margins centipawns. A history score is what MovePicker orders quiet moves
-// by: twice the move's own counter and those of three continuations, 65,536 to either side at most.
+// by: the move's own counter, weighed twice, and those of three continuations, about 65,000 to either side.
 #pragma once
 
 #include <cstdint>
@@ -82,11 +82,18 @@ constexpr int ExtensionPlyFactor = 2;         // no extension beyond this many t
 
 // --- Reductions -----------------------------------------------------------------------------------
 
+constexpr int PlyUnits = 1024;                 // a ply, where its fractions are added up
 constexpr int ReductionMinDepth = 2;           // below, there is nothing to save
 constexpr double QuietReductionBase = 0.9;     // plies: base + log(depth) * log(number) / divisor
 constexpr double QuietReductionDivisor = 2.1;  // three plies for the tenth move at depth ten
 constexpr double NoisyReductionBase = 0.2;     // captures are fewer and more to the point,
 constexpr double NoisyReductionDivisor = 3.6;  // and reduced less
+constexpr int CutNodeReduction = 1024;         // PlyUnits: where another move is expected to be good enough,
+constexpr int WorseningReduction = 1024;       // where the position has become worse,
+constexpr int NoisyTableMoveReduction = 1024;  // where a capture is known to be best, quiet moves mean little
+constexpr int FormerPvReduction = 1024;        // less on what was a principal variation once,
+constexpr int CheckReduction = 1024;           // for checks
+constexpr int KillerReduction = 1024;          // and for moves that cut next door
 constexpr int HistoryReductionDivisor = 12000; // history score worth a ply
 constexpr int DeeperAgainCp = 60;              // better than the best by so much: a ply more the second time
 constexpr int ShallowerAgainCp = 8;            // hardly better: a ply less
@@ -96,6 +103,17 @@ constexpr int ShallowerAgainCp = 8;            // hardly better: a ply less
 constexpr int HistoryBonusPerDepth2 = 14; // a cut deep down says more,
 constexpr int HistoryBonusPerDepth = 90;  // one near the leaves a little,
 constexpr int HistoryBonusMost = 1700;    // and no single one decides
+constexpr int HistoryMalusPercent = 100;  // of the bonus, for those that were tried in vain before
+constexpr int RefutationPercent = 50;     // of the bonus, for the move after which nothing helped
+
+constexpr int QuietWeight = 32;  // in sixteenths: a move's own counter in its history score,
+constexpr int AnswerWeight = 16; // that of the move as an answer to the opponent's last move,
+constexpr int FollowWeight = 16; // as a sequel to the own last one,
+constexpr int PlanWeight = 16;   // and to the own one before
+
+constexpr int CorrectionErrorDivisor = 4; // of an error times the depth at which it was found
+constexpr int PawnCorrectionWeight = 64;  // in 1/16384: experience with such pawns,
+constexpr int PieceCorrectionWeight = 32; // and with such pieces of each side
 
 // --- Quiescence -----------------------------------------------------------------------------------
 

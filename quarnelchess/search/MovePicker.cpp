@@ -1,5 +1,7 @@
 #include "quarnelchess/search/MovePicker.h"
 
+#include "quarnelchess/search/Margins.h"
+
 #include <utility>
 
 namespace quarnel::engine {
@@ -26,13 +28,14 @@ void MovePicker::ScoreNoisy() {
 }
 
 void MovePicker::ScoreQuiets(std::size_t first) {
+    const int weights[3] = {margins::AnswerWeight, margins::FollowWeight, margins::PlanWeight};
     for (std::size_t i = first; i < moves_.Size(); ++i) {
         const Move move = moves_[i];
         const Piece piece = board_.At(move.From());
-        int score = 2 * history_.Quiet(board_.SideToMove(), move).Value();
-        for (Continuation* answers : answers_)
-            if (answers != nullptr) score += (*answers)[piece][move.To()].Value();
-        scores_[i] = score;
+        int score = margins::QuietWeight * history_.Quiet(board_.SideToMove(), move).Value();
+        for (int before = 0; before < 3; ++before)
+            if (answers_[before] != nullptr) score += weights[before] * (*answers_[before])[piece][move.To()].Value();
+        scores_[i] = score / 16;
     }
 }
 

@@ -14,20 +14,22 @@ class ReductionTable {
         using namespace margins;
         for (int depth = 1; depth < 64; ++depth) {
             for (int number = 1; number < 64; ++number) {
-                const double product = std::log(depth) * std::log(number);
-                quiet_[depth][number] = static_cast<std::uint8_t>(QuietReductionBase + product / QuietReductionDivisor);
-                noisy_[depth][number] = static_cast<std::uint8_t>(NoisyReductionBase + product / NoisyReductionDivisor);
+                const double product = std::log(depth) * std::log(number) * PlyUnits;
+                quiet_[depth][number] =
+                    static_cast<std::int16_t>(QuietReductionBase * PlyUnits + product / QuietReductionDivisor);
+                noisy_[depth][number] =
+                    static_cast<std::int16_t>(NoisyReductionBase * PlyUnits + product / NoisyReductionDivisor);
             }
         }
     }
-    /// Plies, for the `number`th move (from 1 on) of a node so deep.
+    /// In units of which PlyUnits are a ply, for the `number`th move (from 1 on) of a node so deep.
     int Of(bool noisy, int depth, int number) const {
         return (noisy ? noisy_ : quiet_)[depth < 64 ? depth : 63][number < 64 ? number : 63];
     }
 
   private:
-    std::uint8_t quiet_[64][64] = {};
-    std::uint8_t noisy_[64][64] = {};
+    std::int16_t quiet_[64][64] = {};
+    std::int16_t noisy_[64][64] = {};
 };
 
 } // namespace quarnel::engine

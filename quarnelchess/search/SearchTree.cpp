@@ -29,6 +29,12 @@ bool Betters(const TableEntry& entry, int tableValue, int eval) {
                                      (entry.Kind == Bound::Upper && tableValue < eval));
 }
 
+/// Bare kings and the like, or fifty moves, unless the last of them mates.
+bool IsDrawByItself(const Board& board) {
+    return board.InsufficientMaterial() ||
+           (board.HalfmoveClock() >= 100 && !(board.InCheck() && CountMoves(board) == 0));
+}
+
 int HistoryBonus(int depth) {
     using namespace margins;
     return std::min(HistoryBonusPerDepth2 * depth * depth + HistoryBonusPerDepth * depth, HistoryBonusMost);
@@ -57,9 +63,8 @@ bool SearchWorker::CountNodeAndCheckStop() {
 
 /// Fifty moves, bare kings, or a position seen before: once within the search, twice in the game.
 bool SearchWorker::IsDraw(const Board& board, int ply) const {
-    if (board.InsufficientMaterial()) return true;
+    if (IsDrawByItself(board)) return true;
     const int clock = board.HalfmoveClock();
-    if (clock >= 100 && !(board.InCheck() && CountMoves(board) == 0)) return true;
     const std::size_t here = gameKeys_ + static_cast<std::size_t>(ply);
     const std::size_t reach = std::min(static_cast<std::size_t>(clock), here);
     int seen = 0;
@@ -325,7 +330,7 @@ bool SearchWorker::IsPruned(const Node& node, const NodeMove& candidate, const P
         return depth <= NoisyExchangeMaxDepth &&
                !board.ExchangeGains(candidate.Played, NoisyExchangePerDepthCp * depth);
 
-    const int reduced = std::max(depth - reductions_.Of(false, depth, progress.Count), 0);
+    const int reduced = std::max(depth - reductions_.Of(false, depth, progress.Count) / PlyUnits, 0);
     const bool isFutile = !node.InCheck && reduced <= FutilityMaxDepth &&
                           At(node.Ply).StaticEval + FutilityBaseCp + FutilityPerDepthCp * reduced <= node.Alpha;
     // A check may be mate.
@@ -398,17 +403,20 @@ int SearchWorker::SearchMove(const Node& node, const Board& next, const NodeMove
 
 /// Plies that a move is searched shallower: more where little is expected, less where something is going on.
 int SearchWorker::Reduction(const Node& node, const NodeMove& candidate, int moveCount) const {
+    using namespace margins;
     const Move move = candidate.Played;
     const PlyState& state = At(node.Ply);
     int reduction = reductions_.Of(candidate.IsNoisy, node.Depth, moveCount);
-    reduction += node.IsCutNode ? 1 : 0;
-    reduction += !node.IsImproving ? 1 : 0;
-    reduction -= node.WasPv ? 1 : 0;
-    reduction -= candidate.GivesCheck ? 1 : 0;
-    reduction -= move == state.Killers[0] || move == state.Killers[1] ? 1 : 0;
-    if (candidate.IsNoisy) return reduction;
-    reduction += node.TableMove && node.Position.IsNoisy(node.TableMove) ? 1 : 0;
-    return reduction - candidate.QuietScore / margins::HistoryReductionDivisor;
+    if (node.IsCutNode) reduction += CutNodeReduction;
+    if (!node.IsImproving) reduction += WorseningReduction;
+    if (node.WasPv) reduction -= FormerPvReduction;
+    if (candidate.GivesCheck) reduction -= CheckReduction;
+    if (move == state.Killers[0] || move == state.Killers[1]) reduction -= KillerReduction;
+    if (!candidate.IsNoisy) {
+        if (node.TableMove && node.Position.IsNoisy(node.TableMove)) reduction += NoisyTableMoveReduction;
+        reduction -= candidate.QuietScore * PlyUnits / HistoryReductionDivisor;
+    }
+    return reduction / PlyUnits;
 }
 
 // --- Storing and learning -------------------------------------------------------------------------
@@ -452,6 +460,7 @@ void SearchWorker::RewardCutoff(const Node& node, const Progress& progress) {
     const Board& board = node.Position;
     const Move best = progress.Best;
     const int bonus = HistoryBonus(node.Depth);
+    const int malus = -bonus * margins::HistoryMalusPercent / 100;
     const auto rewardNoisy = [&](Move move, int change) {
         history_.Capture(board.At(move.From()), move.To(), CapturedKind(board, move)).Add(change);
     };
@@ -468,16 +477,16 @@ void SearchWorker::RewardCutoff(const Node& node, const Progress& progress) {
             state.Killers[0] = best;
         }
         rewardQuiet(best, bonus);
-        for (const Move move : progress.Quiets) rewardQuiet(move, -bonus);
+        for (const Move move : progress.Quiets) rewardQuiet(move, malus);
     }
-    for (const Move move : progress.Noisies) rewardNoisy(move, -bonus);
+    for (const Move move : progress.Noisies) rewardNoisy(move, malus);
 }
 
 /// Nothing helps here: the quiet move that led here was a good one.
 void SearchWorker::RewardRefutation(const Board& board, int ply, int depth) {
     const PlyState& before = At(ply - 1);
     if (!before.Current || !before.CurrentIsQuiet || before.Current.Kind() == MoveKind::Castling) return;
-    const int bonus = HistoryBonus(depth) / 2;
+    const int bonus = HistoryBonus(depth) * margins::RefutationPercent / 100;
     history_.Quiet(~board.SideToMove(), before.Current).Add(bonus);
     AddContinuation(board.At(before.Current.To()), before.Current.To(), ply - 1, bonus);
 }
@@ -490,13 +499,15 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     if (CountNodeAndCheckStop()) return 0;
     LeafNode leaf{board, alpha, beta, ply};
     if (leaf.IsPv) selectiveDepth_ = std::max(selectiveDepth_, ply + 1);
-    if (board.InsufficientMaterial() || board.HalfmoveClock() >= 100) return DrawValue;
+    if (IsDrawByItself(board)) return DrawValue;
     if (ply >= MaxPly - 1) return leaf.InCheck ? DrawValue : evaluation_.Evaluate(board, ply);
 
     TableEntry entry;
     const bool found = task_.Table.Probe(board.PositionKey(), entry);
     const int tableValue = found ? ValueFromTable(entry.Value, ply) : NoValue;
-    if (found && !leaf.IsPv && Cuts(entry, tableValue, alpha, beta)) return tableValue;
+    if (found && !leaf.IsPv && board.HalfmoveClock() <= margins::TableCutMaxClock &&
+        Cuts(entry, tableValue, alpha, beta))
+        return tableValue;
     if (!leaf.InCheck) {
         // Nobody has to capture: the static value is to be had at least.
         leaf.RawEval = found && entry.StaticEval != NoValue ? entry.StaticEval : evaluation_.Evaluate(board, ply);
