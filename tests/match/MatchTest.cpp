@@ -106,6 +106,15 @@ TEST(UciPlayer, SetsTheOptionsThatTheEngineHas) {
     EXPECT_THROW(MakePlayer(setup, Running)->NewGame(1), std::runtime_error);
 }
 
+TEST(Match, ACarefulPlayerTakesAsMuchAsAGrabberAndLosesLess) {
+    MatchSetup setup = Read("--player cmd=builtin:careful --player cmd=builtin:grabber --games 20 --concurrency 1");
+    setup.Adjudication.Enabled = false;
+    Match match(setup, Running);
+    match.Run();
+    EXPECT_EQ(match.Standing().Losses, 0);
+    EXPECT_GT(match.Standing().Wins, 0);
+}
+
 TEST(Match, ResumesFromItsJournalAsIfNeverStopped) {
     const std::string journal = testing::TempDir() + "journal" + std::to_string(getpid());
     const auto content = [&] {

@@ -25,6 +25,17 @@ PlayerSetup LevelPlayer(int level, const LadderSetup& setup) {
     return player;
 }
 
+/// Simple players that several levels meet, so that the chain of the levels is no chain of relatives alone.
+constexpr struct Outsider {
+    const char* Name;
+    int Level;
+    Goal Target;
+} Outsiders[] = {{"random", 1, {0.9, 1, false}},
+                 {"grabber", 1, {0.2, 0.8, false}},
+                 {"careful", 1, {}},
+                 {"careful", 2, {}},
+                 {"careful", 3, {}}};
+
 Goal GoalOf(int level) {
     if (level <= 5) return {0.65, 0.95, false};
     if (level == 6) return {0.8, 1, false};
@@ -57,17 +68,19 @@ const char* const TableHead =
 
 std::string Goal::Text() const {
     if (AboveHalf) return "more than 50 %";
+    if (IsNone()) return "none";
     if (High == 1) return "at least " + Percent(Low);
     return Percent(Low) + " to " + Percent(High);
 }
 
 std::vector<Rung> MakeRungs(const LadderSetup& setup) {
     std::vector<Rung> rungs;
-    for (const auto& [name, goal] : {std::pair{"random", Goal{0.9, 1, false}}, {"grabber", Goal{0.2, 0.8, false}}}) {
+    for (const Outsider& outsider : Outsiders) {
         PlayerSetup simple;
-        simple.Name = name;
-        simple.Command = std::string("builtin:") + name;
-        rungs.push_back(MakeRung(name, LevelPlayer(1, setup), simple, goal, setup));
+        simple.Name = outsider.Name;
+        simple.Command = "builtin:" + simple.Name;
+        const std::string name = simple.Name + (outsider.Level == 1 ? "" : "-" + std::to_string(outsider.Level));
+        rungs.push_back(MakeRung(name, LevelPlayer(outsider.Level, setup), simple, outsider.Target, setup));
     }
     for (int level = 2; level <= static_cast<int>(std::size(Levels)); ++level) {
         const PlayerSetup lower = LevelPlayer(level - 1, setup);
@@ -91,7 +104,11 @@ std::string TableRow(const Rung& rung, const Tally& tally) {
         text << "| | " << rung.Target.Text() << " | not played |\n";
     else
         text << 100 * score.Score << " % | " << 100 * score.Low << " to " << 100 * score.High << " % | "
-             << rung.Target.Text() << " | " << (holds ? "yes" : "no") << (certain ? "" : ", not certain") << " |\n";
+             << rung.Target.Text() << " | "
+             << (rung.Target.IsNone() ? ""
+                 : holds              ? "yes"
+                                      : "no")
+             << (certain ? "" : ", not certain") << " |\n";
     return text.str();
 }
 

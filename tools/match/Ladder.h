@@ -1,4 +1,4 @@
-// The ladder: every level of the program against the one below, and the lowest against two simple players.
+// The ladder: every level of the program against the one below, and the lowest against simple players.
 //
 // A rung is one match with a journal of its own, so rungs can be played one by one, in any order.
 #pragma once
@@ -24,12 +24,14 @@ struct Goal {
     double High = 1;
     bool AboveHalf = false; // more than a half instead
 
+    bool IsNone() const { return Low == 0 && High == 1 && !AboveHalf; }
     bool Holds(double score) const { return AboveHalf ? score > 0.5 : score >= Low && score <= High; }
     std::string Text() const;
 };
 
 struct Rung {
-    std::string Name; // "random" and "grabber" for level 1 against those, "2" to "10" for a level against the one below
+    std::string Name; // "2" to "10" for a level against the one below; "random", "grabber" and "careful" for level 1
+                      // against those, "careful-2" and "careful-3" for the next two
     MatchSetup Setup;
     Goal Target;
 };

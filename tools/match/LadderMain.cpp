@@ -41,16 +41,15 @@ ExitCode ClimbLadder(const LadderSetup& setup) {
 
 int main(int argc, char** argv) {
     using namespace quarnel::match;
-    CLI::App app(
-        "Plays each level of the program against the one below, and the lowest against two simple players; then "
-        "prints the table of all that the journals hold. The same command goes on where it was stopped.");
+    CLI::App app("Plays each level of the program against the one below, and the lowest against simple players; then "
+                 "prints the table of all that the journals hold. The same command goes on where it was stopped.");
     LadderSetup setup;
     std::vector<std::string> rungs;
     for (const Rung& rung : MakeRungs(setup)) rungs.push_back(rung.Name);
     app.add_option("--engine", setup.Command, "The engine, for the universal chess interface")->required();
     app.add_option("--journal", setup.Folder, "A folder with a journal for each pair of players")->required();
     app.add_option("--rungs", setup.Wanted,
-                   "Only these: level 1 against random or grabber, or a level against the one below")
+                   "Only these: a level against the one below, or a low level against a simple player")
         ->delimiter(',')
         ->check(CLI::IsMember(rungs));
     AddCommonOptions(app, setup.Games, setup.Concurrency, setup.Seed);
