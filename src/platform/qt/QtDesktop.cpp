@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QWindow>
 
 #include <chrono>
 #include <cmath>
@@ -96,6 +97,7 @@ class QtDesktop : public Desktop, private FormObserver {
     static void Pump(QEventLoop::ProcessEventsFlags flags);
     FormWindow* WindowOf(Form& form) const;
     void BlockAllBut(const Form* form);
+    void TakeKeysBack();
     std::optional<std::filesystem::path> RunFileDialog(Form& owner, const Text& title, QFileDialog::AcceptMode mode);
 
     QApplication application_;
@@ -205,10 +207,21 @@ QtDesktop::Modality::~Modality() {
     desktop_.queue_.LeaveModal();
     desktop_.modal_.pop_back();
     desktop_.BlockAllBut(desktop_.modal_.empty() ? nullptr : desktop_.modal_.back());
+    if (desktop_.modal_.empty()) desktop_.TakeKeysBack();
 }
 
 void QtDesktop::BlockAllBut(const Form* form) {
     for (const auto& [other, window] : windows_) window->SetBlocked(form != nullptr && other != form);
+}
+
+// The click that closes a window also asks for the keys to be given to it. Where that and its end cross each other, the
+// keys stay with the main window, but the toolkit keeps them for the hidden one, and no shortcut does anything any
+// more.
+void QtDesktop::TakeKeysBack() {
+    if (mainWindow_ == nullptr || !mainWindow_->isVisible()) return;
+    // For a window of the main window's own, the toolkit would not ask the window manager.
+    if (QWindow* holder = QGuiApplication::focusWindow()) holder->setTransientParent(nullptr);
+    mainWindow_->activateWindow();
 }
 
 void QtDesktop::ShowModal(Form& form) {
