@@ -6,6 +6,7 @@ extern "C" {
 #include <xdo.h>
 }
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <stdexcept>
@@ -18,8 +19,10 @@ namespace quarnel::xdriver {
 
 namespace {
 
-constexpr std::chrono::seconds Patience{60}; // enough for the slowest machine
-constexpr useconds_t KeyDelay = 1000;        // microseconds
+using Duration = std::chrono::steady_clock::duration;
+constexpr Duration Patience = std::chrono::seconds(60);          // enough for the slowest machine
+constexpr Duration LongestLook = std::chrono::milliseconds(100); // longer ones are a machine that stood still
+constexpr useconds_t KeyDelay = 1000;                            // microseconds
 
 // A window may go away between two requests. The request then fails and its caller sees nothing there.
 int PassOver(Display* /*display*/, XErrorEvent* /*error*/) {
@@ -38,9 +41,12 @@ WindowDriver::~WindowDriver() {
 }
 
 bool WindowDriver::WaitUntil(const std::function<bool()>& state) {
-    const auto giveUp = std::chrono::steady_clock::now() + Patience;
-    while (!state()) {
-        if (std::chrono::steady_clock::now() > giveUp) return false;
+    Duration waited{};
+    for (auto looked = std::chrono::steady_clock::now(); !state();) {
+        const auto now = std::chrono::steady_clock::now();
+        waited += std::min(now - looked, LongestLook);
+        looked = now;
+        if (waited > Patience) return false;
         if (BetweenLooks) {
             BetweenLooks();
         } else {

@@ -2,8 +2,9 @@
 // at pixels.
 //
 // Everything is a real X event, so it takes the same road as a person's. Nothing here waits by the clock: WaitUntil()
-// looks at a state until it holds and gives up only after a minute, which is a failure and not a verdict. Positions are
-// pixels from a window's top-left corner, the window manager's frame left out; a menu bar is part of the window.
+// looks at a state until it holds and gives up only after a minute of looking, which is a failure and not a verdict.
+// Positions are pixels from a window's top-left corner, the window manager's frame left out; a menu bar is part of the
+// window.
 #pragma once
 
 #include "platform/Form.h"

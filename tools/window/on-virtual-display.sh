@@ -20,8 +20,9 @@ unset QT_SCALE_FACTOR QT_SCREEN_SCALE_FACTORS QT_QPA_PLATFORMTHEME QT_STYLE_OVER
 export HOME=$home XDG_CONFIG_HOME=$home/config XDG_CACHE_HOME=$home/cache XDG_DATA_HOME=$home/data
 export XDG_STATE_HOME=$home/state XDG_RUNTIME_DIR=$home QT_QPA_PLATFORM=xcb QUARNEL_VIRTUAL_DISPLAY=yes
 
-# The server says its number once it listens; the manager opens its own once it takes windows into its care.
-setpriv --pdeathsig KILL Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset -dpi 96 3>"$home/number" &
+# The server says its number once it listens; the manager opens its own once it takes windows into its care. A key does
+# not repeat itself, however long a busy machine takes to let go of it.
+setpriv --pdeathsig KILL Xvfb -r -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset -dpi 96 3>"$home/number" &
 read -r number <"$home/number"
 export DISPLAY=:$number
 setpriv --pdeathsig KILL openbox --sm-disable --config-file "$(realpath "$(dirname "$0")")/openbox.xml" \
