@@ -9,7 +9,6 @@
 #include "quarnelchess/board/MoveGen.h"
 #include "quarnelchess/records/Records.h"
 #include "quarnelchess/search/Search.h"
-#include "tests/quarnelchess/NaiveRules.h"
 
 #include <benchmark/benchmark.h>
 
@@ -34,17 +33,6 @@ void CountLeaves(benchmark::State& state, const char* fen, int depth, std::uint6
     std::uint64_t leaves = 0;
     while (state.KeepRunning()) {
         const std::uint64_t found = Perft(board, depth);
-        if (found != expected) state.SkipWithError("wrong number of leaves");
-        leaves += found;
-    }
-    state.counters["nodes/s"] = benchmark::Counter(static_cast<double>(leaves), benchmark::Counter::kIsRate);
-}
-
-void CountLeavesNaively(benchmark::State& state, const char* fen, int depth, std::uint64_t expected) {
-    const naive::Game game = naive::Read(fen);
-    std::uint64_t leaves = 0;
-    while (state.KeepRunning()) {
-        const std::uint64_t found = naive::Perft(game, depth);
         if (found != expected) state.SkipWithError("wrong number of leaves");
         leaves += found;
     }
@@ -100,10 +88,6 @@ void Register(bool deep) {
     for (const auto& c : counts)
         if (deep || !c.Deep)
             benchmark::RegisterBenchmark(c.Name, CountLeaves, c.Fen, c.Depth, c.Leaves)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("Perft/Start/4/naive", CountLeavesNaively, StartFen, 4, 197281ULL)
-        ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("Perft/TwoCastles/3/naive", CountLeavesNaively, TwoCastlesFen, 3, 97862ULL)
-        ->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("GetMove/TwoCastles", ListLegalMoves);
     benchmark::RegisterBenchmark("Search", SearchNodes)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 }

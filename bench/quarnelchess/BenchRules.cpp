@@ -1,18 +1,22 @@
-// Compares the engine's legal moves with those of the tests' naive rules, position by position, through
-// whole games: every second one of random moves, the others of the engine against itself.
+// Compares the moves of the engine's board with those of the plain rules for position records, which look at every
+// square and share nothing with it, through whole games: every second one of random moves, the others of the engine
+// against itself.
 //
 //   bench-rules [positions]     a million if not told otherwise
 //
-// The naive rules play along from the start of a game, so that castling rights and en passant are their own.
+// The plain rules play along from the start of a game, so that castling rights and en passant are their own.
 // Prints how many positions agreed and each that did not; fails when there is one.
 #include "quarnelchess/board/Fen.h"
 #include "quarnelchess/board/MoveGen.h"
-#include "tests/quarnelchess/NaiveRules.h"
+#include "quarnelchess/records/LooseRules.h"
+#include "quarnelchess/records/Records.h"
 #include "tools/tune/SelfPlay.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <random>
 #include <unordered_set>
 
@@ -20,15 +24,11 @@ using namespace quarnel;
 
 namespace {
 
-/// Origin, destination and promotion piece (0 for none) in one number.
-int Code(const engine::Move& move) {
-    return move.From() | (move.To() << 6) | ((move.IsPromotion() ? move.PromotionKind() : 0) << 12);
-}
-
-int Code(const naive::Move& move) {
-    int promotion = 0;
-    if (move.Promotion != 0) promotion = static_cast<int>(std::string("pnbrq").find(move.Promotion));
-    return (move.FromRank * 8 + move.FromFile) | ((move.ToRank * 8 + move.ToFile) << 6) | (promotion << 12);
+std::vector<std::array<std::uint8_t, sizeof(MoveRec)>> SortedBytes(const MoveList& list) {
+    std::vector<std::array<std::uint8_t, sizeof(MoveRec)>> moves(list.Count);
+    for (std::size_t i = 0; i < moves.size(); ++i) std::memcpy(moves[i].data(), &list.Moves[i], sizeof(MoveRec));
+    std::sort(moves.begin(), moves.end());
+    return moves;
 }
 
 class Comparison {
@@ -36,36 +36,26 @@ class Comparison {
     /// A game from here on.
     void Begin(const engine::Board& board) {
         board_ = board;
-        game_ = naive::Read(engine::WriteFen(board));
+        record_ = engine::RecordFromBoard(board);
     }
 
     /// Compares the position on the board and then plays the move, which must be one of the engine's.
     void CompareAndPlay(engine::Move played) {
         ++positions_;
         keys_.insert(board_.PositionKey());
-        engine::MoveBuffer moves;
-        engine::GenerateMoves(board_, moves);
-        std::vector<int> ours;
-        for (const engine::Move move : moves) ours.push_back(Code(move));
-        const std::vector<naive::Move> naiveMoves = naive::LegalMoves(game_);
-        std::vector<int> theirs;
-        theirs.reserve(naiveMoves.size());
-        for (const naive::Move& move : naiveMoves) theirs.push_back(Code(move));
-        const auto next = std::find(theirs.begin(), theirs.end(), Code(played)) - theirs.begin();
-        std::sort(ours.begin(), ours.end());
-        std::vector<int> sorted = theirs;
-        std::sort(sorted.begin(), sorted.end());
-        moves_ += ours.size();
-        if (ours != sorted || engine::CountMoves(board_) != static_cast<int>(ours.size()) ||
-            board_.InCheck() != naive::InCheck(game_, game_.WhiteToMove)) {
+        const engine::Color side = board_.SideToMove();
+        MoveList ours, theirs;
+        engine::ListMoves(engine::RecordFromBoard(board_), side, ours);
+        theirs.Count = 0;
+        engine::ListLooseMoves(record_, side, theirs);
+        moves_ += ours.Count;
+        if (SortedBytes(ours) != SortedBytes(theirs) || engine::CountMoves(board_) != ours.Count ||
+            board_.InCheck() != engine::KingAttacked(record_, side)) {
             ++disagreements_;
             std::printf("disagreement: %s\n", engine::WriteFen(board_).c_str());
         }
+        engine::PlayMove(record_, engine::RecordFromMove(board_, played));
         board_.Make(played);
-        if (static_cast<std::size_t>(next) < naiveMoves.size())
-            game_ = naive::Play(game_, naiveMoves[static_cast<std::size_t>(next)]);
-        else
-            game_ = naive::Read(engine::WriteFen(board_));
     }
 
     const engine::Board& Board() const { return board_; }
@@ -78,7 +68,7 @@ class Comparison {
 
   private:
     engine::Board board_ = engine::Board::Start();
-    naive::Game game_ = {};
+    Position record_ = {};
     std::unordered_set<engine::Key> keys_;
     std::size_t positions_ = 0;
     std::size_t moves_ = 0;
