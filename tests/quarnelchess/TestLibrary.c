@@ -17,18 +17,10 @@ static void Fail(const char* what) {
 }
 
 static void CheckRules(void) {
-    Position position;
+    Position position = {.Board = {[1] = {[5] = 12}, [7] = {[4] = 1}, [8] = {[5] = 6}}};
     MoveList list;
-    int i;
-    memset(&position, 0, sizeof position);
-    for (i = 1; i <= 8; i++) {
-        position.Board[7][i] = 1;
-        position.Board[2][i] = 7;
-    }
-    position.Board[8][5] = 6;
-    position.Board[1][5] = 12;
     quarnel_GetMove(&position, 0, &list);
-    if (list.Count != 18) Fail("sixteen pawn moves and two king moves");
+    if (list.Count != 6) Fail("two pawn moves and four king moves");
     quarnel_MakeMove(&position, &list.Moves[0]);
     if (position.SideToMove != 0) Fail("the side to move stays");
     if (quarnel_KingAttacked(&position, -1) != 0) Fail("no check");
