@@ -4,10 +4,12 @@
 //
 //   bench-rules [positions]     a million if not told otherwise
 //
-// The plain rules play along from the start of a game, so that castling rights and en passant are their own.
+// The plain rules play along from the start of a game, so that castling rights and en passant are their own. The
+// evaluation for every processor follows the game, too, and says the same as this processor's fastest afresh.
 // Prints how many positions agreed and each that did not; fails when there is one.
 #include "quarnelchess/board/Fen.h"
 #include "quarnelchess/board/MoveGen.h"
+#include "quarnelchess/evaluation/Evaluation.h"
 #include "quarnelchess/records/LooseRules.h"
 #include "quarnelchess/records/Records.h"
 #include "tools/tune/SelfPlay.h"
@@ -37,6 +39,8 @@ class Comparison {
     void Begin(const engine::Board& board) {
         board_ = board;
         record_ = engine::RecordFromBoard(board);
+        following_.Begin(board);
+        ply_ = 0;
     }
 
     /// Compares the position on the board and then plays the move, which must be one of the engine's.
@@ -54,19 +58,38 @@ class Comparison {
             ++disagreements_;
             std::printf("disagreement: %s\n", engine::WriteFen(board_).c_str());
         }
+        CompareValues();
         engine::PlayMove(record_, engine::RecordFromMove(board_, played));
+        following_.Played(board_, played, ply_++);
         board_.Make(played);
+        if (ply_ < engine::MaxPly - 1) return;
+        following_.Begin(board_);
+        ply_ = 0;
     }
 
     const engine::Board& Board() const { return board_; }
     std::size_t Positions() const { return positions_; }
     std::size_t Disagreements() const { return disagreements_; }
     void Print() const {
-        std::printf("%zu positions (%zu different ones), %zu legal moves, %zu disagreements\n", positions_,
-                    keys_.size(), moves_, disagreements_);
+        std::printf("%zu positions (%zu different ones), %zu legal moves, %zu values, %zu disagreements\n", positions_,
+                    keys_.size(), moves_, values_, disagreements_);
     }
 
   private:
+    void CompareValues() {
+        if (board_.InCheck()) return;
+        ++values_;
+        const int followed = following_.Evaluate(board_, ply_);
+        const int afresh = fastest_.Evaluate(board_);
+        if (followed == afresh) return;
+        ++disagreements_;
+        std::printf("values %d and %d: %s\n", followed, afresh, engine::WriteFen(board_).c_str());
+    }
+
+    engine::Evaluation following_{engine::net::BaseOperations};
+    engine::Evaluation fastest_;
+    int ply_ = 0; // since the line followed began
+    std::size_t values_ = 0;
     engine::Board board_ = engine::Board::Start();
     Position record_ = {};
     std::unordered_set<engine::Key> keys_;
