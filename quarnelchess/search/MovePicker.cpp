@@ -5,6 +5,36 @@
 #include <utility>
 
 namespace quarnel::engine {
+namespace {
+
+/// Squares on which a piece of each kind is attacked by a lesser one.
+struct Threats {
+    Bitboard To[6] = {};
+};
+
+Threats FindThreats(const Board& board) {
+    const Color them = ~board.SideToMove();
+    const Bitboard occupied = board.Occupied();
+    const Bitboard pawns = board.Pieces(them, Pawn);
+    Bitboard attacked = them == White ? Shift<7>(pawns) | Shift<9>(pawns) : Shift<-7>(pawns) | Shift<-9>(pawns);
+    Threats threats;
+    threats.To[Knight] = threats.To[Bishop] = attacked;
+    for (Bitboard set = board.Pieces(them, Knight); set != 0;) attacked |= KnightAttacks(PopLowest(set));
+    for (Bitboard set = board.Pieces(them, Bishop); set != 0;) attacked |= BishopAttacks(PopLowest(set), occupied);
+    threats.To[Rook] = attacked;
+    for (Bitboard set = board.Pieces(them, Rook); set != 0;) attacked |= RookAttacks(PopLowest(set), occupied);
+    threats.To[Queen] = attacked;
+    return threats;
+}
+
+/// To leave such a square is good, to go there is bad.
+int ThreatScore(const Threats& threats, PieceKind kind, Move move) {
+    const Bitboard set = threats.To[kind];
+    const int worth = kind == Queen ? margins::QueenThreat : kind == Rook ? margins::RookThreat : margins::MinorThreat;
+    return ((set & Bit(move.From())) != 0 ? worth : 0) - ((set & Bit(move.To())) != 0 ? worth : 0);
+}
+
+} // namespace
 
 MovePicker::MovePicker(const Board& board, History& history, Move tableMove, const Move (&killers)[2],
                        Continuation* const (&answers)[3])
@@ -28,14 +58,16 @@ void MovePicker::ScoreNoisy() {
 }
 
 void MovePicker::ScoreQuiets(std::size_t first) {
+    const Threats threats = FindThreats(board_);
     const int weights[3] = {margins::AnswerWeight, margins::FollowWeight, margins::PlanWeight};
     for (std::size_t i = first; i < moves_.Size(); ++i) {
         const Move move = moves_[i];
         const Piece piece = board_.At(move.From());
-        int score = margins::QuietWeight * history_.Quiet(board_.SideToMove(), move).Value();
+        int score = margins::QuietWeight * history_.Quiet(board_.SideToMove(), move).Value() +
+                    margins::PawnsWeight * history_.AmongPawns(board_, move).Value();
         for (int before = 0; before < 3; ++before)
             if (answers_[before] != nullptr) score += weights[before] * (*answers_[before])[piece][move.To()].Value();
-        scores_[i] = score / 16;
+        scores_[i] = score / 16 + ThreatScore(threats, KindOf(piece), move);
     }
 }
 

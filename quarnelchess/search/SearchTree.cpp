@@ -75,8 +75,8 @@ bool SearchWorker::IsDraw(const Board& board, int ply) const {
     return false;
 }
 
-int SearchWorker::CorrectedEval(const Board& board, int rawEval) const {
-    return std::clamp(rawEval + history_.Correction(board), -MateInMaxPly + 1, MateInMaxPly - 1);
+int SearchWorker::CorrectedEval(const Board& board, int ply, int rawEval) const {
+    return std::clamp(rawEval + history_.Correction(board, LineCode(ply)), -MateInMaxPly + 1, MateInMaxPly - 1);
 }
 
 void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply) {
@@ -87,6 +87,7 @@ void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply)
     state.Current = move;
     state.CurrentIsQuiet = !board.IsNoisy(move);
     state.Answers = &history_.After(board.At(move.From()), move.To());
+    state.Arrival = static_cast<std::uint32_t>(board.At(move.From()) * 64 + move.To());
 }
 
 void SearchWorker::UpdateLine(int ply, Move move) {
@@ -160,7 +161,7 @@ void SearchWorker::SetStaticValue(Node& node) {
     } else {
         node.RawEval = node.Found && node.Entry.StaticEval != NoValue ? node.Entry.StaticEval
                                                                       : evaluation_.Evaluate(node.Position, node.Ply);
-        node.Eval = state.StaticEval = CorrectedEval(node.Position, node.RawEval);
+        node.Eval = state.StaticEval = CorrectedEval(node.Position, node.Ply, node.RawEval);
         if (node.Found && Betters(node.Entry, node.TableValue, node.Eval)) node.Eval = node.TableValue;
     }
     node.IsImproving = IsImproving(node);
@@ -216,6 +217,7 @@ std::optional<int> SearchWorker::PassTurn(const Node& node) {
     evaluation_.Passed(ply);
     state.Current = Move{};
     state.Answers = &history_.AfterNothing();
+    state.Arrival = 0;
     int value = -SearchNode(next, -node.Beta, -node.Beta + 1, depth - reduction, ply + 1, !node.IsCutNode);
     if (stopped_) return 0;
     if (value < node.Beta) return std::nullopt;
@@ -447,7 +449,7 @@ void SearchWorker::CorrectEval(const Node& node, const Progress& progress, Bound
         bound == Bound::Exact || (bound == Bound::Lower && value > eval) || (bound == Bound::Upper && value < eval);
     if (!node.InCheck && tells && !(progress.Best && node.Position.IsNoisy(progress.Best)) &&
         std::abs(value) < MateInMaxPly)
-        history_.Correct(node.Position, node.Depth, value - eval);
+        history_.Correct(node.Position, LineCode(node.Ply), node.Depth, value - eval);
 }
 
 void SearchWorker::AddContinuation(Piece piece, Square to, int ply, int bonus) {
@@ -466,6 +468,7 @@ void SearchWorker::RewardCutoff(const Node& node, const Progress& progress) {
     };
     const auto rewardQuiet = [&](Move move, int change) {
         history_.Quiet(board.SideToMove(), move).Add(change);
+        history_.AmongPawns(board, move).Add(change);
         AddContinuation(board.At(move.From()), move.To(), node.Ply, change);
     };
     if (board.IsNoisy(best)) {
@@ -511,7 +514,7 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     if (!leaf.InCheck) {
         // Nobody has to capture: the static value is to be had at least.
         leaf.RawEval = found && entry.StaticEval != NoValue ? entry.StaticEval : evaluation_.Evaluate(board, ply);
-        leaf.Eval = leaf.BestValue = CorrectedEval(board, leaf.RawEval);
+        leaf.Eval = leaf.BestValue = CorrectedEval(board, ply, leaf.RawEval);
         if (found && Betters(entry, tableValue, leaf.Eval)) leaf.BestValue = tableValue;
         if (leaf.BestValue >= beta) return leaf.BestValue;
         leaf.Alpha = std::max(alpha, leaf.BestValue);

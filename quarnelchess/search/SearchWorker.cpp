@@ -26,6 +26,7 @@ void SearchWorker::PrepareRoot() {
         state.Killers[0] = state.Killers[1] = state.Current = state.Excluded = Move{};
         state.Answers = &history_.AfterNothing();
         state.StaticEval = NoValue;
+        state.Arrival = 0;
         state.Extensions = 0;
         state.LineLength = 0;
     }

@@ -43,7 +43,8 @@ class SearchWorker {
         Move Killers[2];
         Move Current; // the move being searched; no move after a passed turn
         bool CurrentIsQuiet = false;
-        Move Excluded; // left out while its singularity is tested
+        std::uint32_t Arrival = 0; // the piece that moved and its square
+        Move Excluded;             // left out while its singularity is tested
         Continuation* Answers = nullptr;
         int StaticEval = NoValue;
         int Extensions = 0; // double extensions on the way here
@@ -152,7 +153,9 @@ class SearchWorker {
         return !task_.Weakness.IsNone() && Overlooks(task_.Weakness, board, move, task_.Occasion);
     }
     bool IsDraw(const Board& board, int ply) const;
-    int CorrectedEval(const Board& board, int rawEval) const;
+    int CorrectedEval(const Board& board, int ply, int rawEval) const;
+    /// Tells the last two moves from others.
+    std::uint32_t LineCode(int ply) const { return At(ply - 1).Arrival * 37 + At(ply - 2).Arrival * 1031; }
     void PlayInto(Board& next, const Board& board, Move move, int ply);
     void UpdateLine(int ply, Move move);
     void CorrectEval(const Node& node, const Progress& progress, Bound bound);
