@@ -36,24 +36,12 @@ bool HasMateInOne(const Board& board) {
     return std::any_of(moves.begin(), moves.end(), [&](Move move) { return MatesAtOnce(board, move); });
 }
 
-/// The best capture after the move gains so much more than the move itself took.
-bool Loses(const Board& board, Move move, int leastCp) {
-    const int taken =
-        move.Kind() == MoveKind::EnPassant ? ExchangeValue[Pawn] : ExchangeValue[KindOf(board.At(move.To()))];
-    Board next = board;
-    next.Make(move);
-    MoveBuffer replies;
-    GenerateMoves(next, replies);
-    return std::any_of(replies.begin(), replies.end(),
-                       [&](Move reply) { return next.IsCapture(reply) && next.ExchangeGains(reply, taken + leastCp); });
-}
-
 /// He loses it though another move would not have.
 bool Drops(const Board& board, Move move, int leastCp) {
-    if (!Loses(board, move, leastCp)) return false;
+    if (!LosesToCapture(board, move, leastCp)) return false;
     MoveBuffer moves;
     GenerateMoves(board, moves);
-    return std::any_of(moves.begin(), moves.end(), [&](Move other) { return !Loses(board, other, leastCp); });
+    return std::any_of(moves.begin(), moves.end(), [&](Move other) { return !LosesToCapture(board, other, leastCp); });
 }
 
 /// At most one position of a game each, so that they differ.
