@@ -19,14 +19,23 @@ Session* session = nullptr;
 
 void QUARNEL_CALL quarnel_EngineStart(QuarnelInputCallback input, QuarnelOutputCallback output) {
     if (session != nullptr || input == nullptr || output == nullptr) return;
-    static SteadyClock* const clock = new SteadyClock;
-    session = new Session(
-        *clock, [input](bool mayWait) { input(mayWait ? 1 : 0); }, [output](int length) { output(length); });
-    session->Run();
+    try {
+        static SteadyClock* const clock = new SteadyClock;
+        session = new Session(
+            *clock, [input](bool mayWait) { input(mayWait ? 1 : 0); }, [output](int length) { output(length); });
+        session->Run();
+    } catch (...) {
+        // Without memory to begin with, the program goes on without an engine.
+    }
 }
 
 void QUARNEL_CALL quarnel_ReceiveTxt(const char* line) {
-    if (session != nullptr && line != nullptr) session->Receive(line);
+    if (session == nullptr || line == nullptr) return;
+    try {
+        session->Receive(line);
+    } catch (...) {
+        // Longer than any line of a game, and no memory for it.
+    }
 }
 
 void QUARNEL_CALL quarnel_GetTxt(char* buffer) {

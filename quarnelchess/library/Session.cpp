@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <new>
+#include <string>
 #include <utility>
 
 namespace quarnel::engine {
@@ -17,6 +19,9 @@ constexpr int PauseMs = 3;
 constexpr int AtOnceMs = 2; // a callback that took less did not wait for anything
 constexpr int ShownThinkingMs = 300;
 constexpr int DeadlineMarginMs = 5;
+// Taken at the start, so that a game needs no memory later.
+constexpr std::size_t LineCapacity = 1024;
+constexpr std::size_t MostEarlier = 256; // more than repetitions reach back
 
 /// Reads the placement field as loosely as the program's own reader: any letter of its table is a piece.
 bool ReadLoosePlacement(std::string_view field, Position& position) {
@@ -53,6 +58,8 @@ std::uint8_t ReadRights(std::string_view field, char kingSide, char queenSide) {
 
 Session::Session(Clock& clock, InputCallback input, OutputCallback output)
     : clock_(clock), input_(std::move(input)), output_(std::move(output)), search_(clock) {
+    for (std::string* text : {&inbox_, &obeyed_, &text_}) text->reserve(LineCapacity);
+    earlier_.reserve(MostEarlier);
     SetSeed();
     ResetPosition(RecordFromBoard(Board::Start()), 0);
 }
@@ -67,6 +74,7 @@ void Session::Step() {
     input_(!thinking_ && quiet_);
     if (inbox_.empty()) {
         quiet_ = true;
+        if (std::exchange(owesNoMove_, false)) SayNoMove();
         const std::int64_t now = clock_.NowMs();
         if (thinking_)
             clock_.SleepMs(static_cast<int>(std::clamp<std::int64_t>(deadlineMs_ - now, 1, PauseMs)));
@@ -75,10 +83,12 @@ void Session::Step() {
         return;
     }
     quiet_ = false;
-    while (!inbox_.empty()) {
-        const std::string line = std::move(inbox_.front());
-        inbox_.pop_front();
-        Obey(line);
+    obeyed_.swap(inbox_);
+    inbox_.clear();
+    std::string_view lines = obeyed_;
+    for (std::size_t end = lines.find('\n'); end != std::string_view::npos; end = lines.find('\n')) {
+        Obey(lines.substr(0, end));
+        lines.remove_prefix(end + 1);
     }
 }
 
@@ -161,8 +171,7 @@ bool Session::ObeyPositionCommand(std::string_view word, std::string_view rest) 
         return true;
     }
     if (word == "new") {
-        if (thinking_) Force();
-        StopPondering();
+        Abandon();
         search_.NewGame();
         SetSeed();
         ResetPosition(RecordFromBoard(Board::Start()), 0);
@@ -183,8 +192,7 @@ bool Session::SetBoard(std::string_view fen) {
     const std::string_view enPassant = NextWord(fen);
     if (!enPassant.empty() && enPassant[0] >= 'a' && enPassant[0] <= 'h')
         position.EpFile = static_cast<std::uint8_t>(enPassant[0] - 'a' + 1);
-    if (thinking_) Force();
-    StopPondering();
+    Abandon();
     ResetPosition(position, side == "b" ? 1 : 0);
     return true;
 }
@@ -245,6 +253,7 @@ bool Session::UserMove(std::string_view text) {
 void Session::PlayRecord(const MoveRec& move) {
     if (board_) {
         const Move boardMove = MoveFromRecord(*board_, move);
+        if (earlier_.size() == MostEarlier) earlier_.erase(earlier_.begin());
         earlier_.push_back(board_->PositionKey());
         board_->Make(boardMove);
         if (board_->HalfmoveClock() == 0) earlier_.clear();
@@ -283,12 +292,23 @@ void Session::Go() {
     if (bookMove_) return;
     SearchLimits limits = Limits();
     limits.StartMs = countedFromMs;
-    StartSearch({*board_, earlier_}, limits);
+    StartSearch(Move{}, limits);
 }
 
-void Session::StartSearch(const SearchRoot& root, const SearchLimits& limits) {
+/// Of the position on the board, or of the one after `expected`.
+void Session::StartSearch(Move expected, const SearchLimits& limits) {
     ApplySettings();
-    search_.Start(root, limits);
+    try {
+        SearchRoot root{*board_, earlier_};
+        if (expected) {
+            root.Earlier.push_back(board_->PositionKey());
+            root.Position.Make(expected);
+        }
+        search_.Start(root, limits);
+        searchFailed_ = false;
+    } catch (const std::bad_alloc&) {
+        searchFailed_ = true;
+    }
 }
 
 void Session::ApplySettings() {
@@ -299,17 +319,15 @@ void Session::ApplySettings() {
 
 void Session::Ponder() {
     if (!ponderWanted_ || pondering_ || !board_ || CountMoves(*board_) == 0) return;
-    SearchRoot root{*board_, earlier_};
-    if (IsLegal(*board_, expected_)) {
-        root.Earlier.push_back(board_->PositionKey());
-        root.Position.Make(expected_);
-        if (CountMoves(root.Position) == 0) return;
-    }
     // Without an expected move the user's own choices are looked at: what the table learns serves the answer.
+    const Move expected = IsLegal(*board_, expected_) ? expected_ : Move{};
+    Board next = *board_;
+    if (expected) next.Make(expected);
+    if (CountMoves(next) == 0) return;
     SearchLimits limits = Limits();
     limits.Ponder = true;
-    StartSearch(root, limits);
-    pondering_ = true;
+    StartSearch(expected, limits);
+    pondering_ = !searchFailed_;
 }
 
 void Session::StopPondering() {
@@ -324,7 +342,16 @@ void Session::Force() {
         return;
     }
     StopPondering();
-    Say("White(0): - ");
+    SayNoMove();
+}
+
+/// Ends a search without its move, pondering too; the line that is owed from now on stands in its place.
+void Session::Abandon() {
+    if (thinking_) search_.Stop();
+    thinking_ = false;
+    bookMove_ = {};
+    StopPondering();
+    owesNoMove_ = true;
 }
 
 bool Session::ReplyIsDue() {
@@ -337,6 +364,7 @@ bool Session::ReplyIsDue() {
 /// What the book or the search has to say.
 SearchResult Session::TakeResult() {
     if (!bookMove_) {
+        if (searchFailed_) return {};
         search_.Stop();
         return search_.Result();
     }
@@ -354,14 +382,15 @@ void Session::Answer() {
     expected_ = {};
     if (board_) {
         const SearchResult result = TakeResult();
-        move = RecordFromMove(*board_, result.Best);
+        if (result.Best) move = RecordFromMove(*board_, result.Best);
         expected_ = result.Reply;
     }
-    const std::string line = std::string(SideToMove() == White ? "White(" : "Black(") + std::to_string(plies_ / 2 + 1) +
-                             "): " + WriteSan(record_, move, legal) + " ";
+    const char* const side = SideToMove() == White ? "White(" : "Black(";
+    const std::string number = std::to_string(plies_ / 2 + 1);
+    const std::string san = WriteSan(record_, move, legal);
     PlayRecord(move);
     thinking_ = false;
-    Say(line);
+    Say({side, number, "): ", san, " "});
     if (!AnnounceEnd()) Ponder();
 }
 
@@ -374,8 +403,9 @@ bool Session::AnnounceEnd() {
     return true;
 }
 
-void Session::Say(std::string text) {
-    text_ = std::move(text);
+void Session::Say(std::initializer_list<std::string_view> parts) {
+    text_.clear();
+    for (const std::string_view part : parts) text_ += part;
     quiet_ = false;
     output_(static_cast<int>(text_.size()));
 }

@@ -15,15 +15,14 @@
 //              go                          search for the side to move                      thinking
 //              go, no legal move           announce the end                                 idle
 //              force                       "White(0): - ", a line that plays nothing        idle
-//              new, setboard, white,       change the board, forget the expected move       idle
-//              black, movenumber           (movenumber, and the side that is to move anyway,
-//                                          keep it)
+//              new, setboard               change the board; owe that line, too             idle
+//              white, black, movenumber    change the side or the number                    idle
 //              ponder on                   think about the expected move, if there is one   pondering
 //              ponder off                                                                   idle
 //   thinking   (search ends)               move line, then mate or stalemate if it is so    idle, pondering
 //              force                       the same at once, with the best move so far      idle, pondering
-//              new, setboard, white,       the same at once, then as when idle              idle
-//              black, movenumber
+//              new, setboard               end without a move line, then as when idle       idle
+//              white, black, movenumber    the same as force, then as when idle             idle
 //              go                          nothing: the running search answers it           thinking
 //              user's move                 "Illegal now."                                   thinking
 //   any        sync                        the next search counts its time from here        same
@@ -32,8 +31,14 @@
 //              ponder (while thinking)     kept for when the search ends                    same
 //              anything else               "I do not understand."                           same
 //
-// So every search has exactly one move line, and "force" is always answered by exactly one. A position that the
-// opening book knows needs no search; its answer is held back for a moment like every other.
+// So every search has exactly one move line, or the line that is owed in its place, and "force" is always answered by
+// exactly one. What is owed is said at the first callback that brings no line: a program that abandoned a search and
+// waits to drop its move is released by it, even if that move was already on its way, while a "force" that still waits
+// in the program's queue is answered first. A position that the opening book knows needs no search; its answer is held
+// back for a moment like every other.
+//
+// When memory is short the conversation goes on: it needs none for the lines of a game, and a search that cannot begin
+// is answered by a plain legal move.
 #pragma once
 
 #include "quarnelchess/book/Book.h"
@@ -42,8 +47,8 @@
 
 #include <QuarnelChess.h>
 
-#include <deque>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -60,7 +65,7 @@ class Session {
     Session(Clock& clock, InputCallback input, OutputCallback output);
 
     /// Takes one command line; obeyed when the input callback returns.
-    void Receive(std::string_view line) { inbox_.emplace_back(line); }
+    void Receive(std::string_view line) { inbox_.append(line).push_back('\n'); }
     /// The text last announced.
     const std::string& Text() const { return text_; }
 
@@ -81,8 +86,9 @@ class Session {
     bool SetSide(Color side);
     bool UserMove(std::string_view text);
     void Go();
-    void StartSearch(const SearchRoot& root, const SearchLimits& limits);
+    void StartSearch(Move expected, const SearchLimits& limits);
     void Force();
+    void Abandon();
     void Ponder();
     void StopPondering();
 
@@ -92,7 +98,9 @@ class Session {
     void PlayRecord(const MoveRec& move);
     bool AnnounceEnd();
     void ResetPosition(const Position& position, int plies);
-    void Say(std::string text);
+    void Say(std::initializer_list<std::string_view> parts);
+    void Say(std::string_view text) { Say({text}); }
+    void SayNoMove() { Say("White(0): - "); }
 
     Color SideToMove() const { return record_.SideToMove != 0 ? Black : White; }
     MoveList LegalMoves() const;
@@ -114,10 +122,13 @@ class Session {
     std::vector<Key> earlier_;
     int plies_ = 0;
 
-    std::deque<std::string> inbox_;
+    std::string inbox_; // lines, each with its end
+    std::string obeyed_;
     std::string text_;
     bool quiet_ = false; // the last input callback brought no line and nothing was said since
+    bool owesNoMove_ = false;
     bool thinking_ = false;
+    bool searchFailed_ = false; // to begin
     bool pondering_ = false;
     bool ponderWanted_ = false;
     Move expected_; // the user's move that the last answer expects

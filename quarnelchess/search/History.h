@@ -32,7 +32,7 @@ using Continuation = HistoryCounter<16384>[16][64];
 class History {
   public:
     History() : tables_(std::make_unique<Tables>()) {}
-    void Clear() { tables_ = std::make_unique<Tables>(); }
+    void Clear() { std::construct_at(tables_.get()); }
 
     auto& Quiet(Color side, Move move) { return tables_->Quiet[side][move.From()][move.To()]; }
     /// How well a piece's move to a square did where the pawns stood like this.

@@ -23,7 +23,7 @@ struct SearchTask {
         std::atomic<std::uint64_t> Count{0};
     };
 
-    SearchTask(Clock& clock, std::size_t megabytes) : Time(clock), Table(megabytes) {}
+    explicit SearchTask(Clock& clock) : Time(clock) {}
 
     Clock& Time;
     TranspositionTable Table;

@@ -2,19 +2,12 @@
 
 #include <algorithm>
 #include <memory>
-#include <new>
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
 
 namespace quarnel::engine {
 namespace {
 
 // Data word: move 16 | value 16 | static evaluation 16 | depth 8 | generation 5 | principal variation 1 | bound 2.
 constexpr int GenerationShift = 3;
-
-constexpr std::size_t HugePage = std::size_t{1} << 21;
 
 std::uint64_t Pack(const TableEntry& entry, unsigned generation) {
     const auto low16 = [](int value) { return static_cast<std::uint64_t>(static_cast<std::uint16_t>(value)); };
@@ -44,44 +37,20 @@ TableEntry Unpack(std::uint64_t data) {
 
 } // namespace
 
-void TranspositionTable::Release::operator()(Cluster* clusters) const {
-    ::operator delete[](clusters, std::align_val_t{HugePage});
+void TranspositionTable::Allocate(std::size_t megabytes) {
+    ReleaseTableMemory(memory_);
+    clusterCount_ = std::max<std::size_t>(megabytes, 1) * ((1 << 20) / sizeof(Cluster));
+    do {
+        memory_ = AllocateTableMemory(clusterCount_ * sizeof(Cluster));
+    } while (memory_ == nullptr && (clusterCount_ /= 2) > 1);
+    clusters_ = memory_ != nullptr ? static_cast<Cluster*>(memory_) : &smallest_;
+    clusterCount_ = std::max<std::size_t>(clusterCount_, 1);
 }
 
-/// Null when memory is short.
-TranspositionTable::Cluster* TranspositionTable::Allocate(std::size_t count) {
-    void* const memory = ::operator new[](count * sizeof(Cluster), std::align_val_t{HugePage}, std::nothrow);
-    if (memory == nullptr) return nullptr;
-#if defined(__linux__)
-    // Entries are visited at random: large pages save a walk through the page tables at each visit.
-    madvise(memory, count * sizeof(Cluster), MADV_HUGEPAGE);
-#endif
-    auto* const clusters = static_cast<Cluster*>(memory);
-    std::uninitialized_value_construct_n(clusters, count);
-    return clusters;
-}
-
-void TranspositionTable::Resize(std::size_t megabytes) {
-    clusters_.reset();
-    std::size_t count = std::max<std::size_t>(megabytes, 1) * ((1 << 20) / sizeof(Cluster));
-    while (!clusters_) {
-        clusters_.reset(Allocate(count));
-        if (clusters_)
-            clusterCount_ = count;
-        else
-            count = std::max<std::size_t>(count / 2, 1);
-    }
-    generation_ = 0;
-}
-
-void TranspositionTable::Clear() {
-    for (std::size_t i = 0; i < clusterCount_; ++i) {
-        for (Slot& slot : clusters_[i].Slots) {
-            slot.Check.store(0, std::memory_order_relaxed);
-            slot.Data.store(0, std::memory_order_relaxed);
-        }
-    }
-    generation_ = 0;
+void TranspositionTable::Clear(std::size_t part, std::size_t parts) {
+    const std::size_t first = clusterCount_ * part / parts;
+    std::uninitialized_value_construct(clusters_ + first, clusters_ + clusterCount_ * (part + 1) / parts);
+    if (part == 0) generation_ = 0;
 }
 
 bool TranspositionTable::Probe(Key key, TableEntry& entry) const {

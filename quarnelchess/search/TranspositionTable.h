@@ -2,13 +2,13 @@
 //
 // Clusters of four entries fill one cache line. An entry is two words, the second scrambled with the
 // first; a reader that catches a half-written entry sees a key that does not fit, so no lock is needed.
-// Resize() and Clear() only while no search runs.
+// Allocate() and Clear() only while no search runs.
 #pragma once
 
 #include "quarnelchess/board/Types.h"
+#include "quarnelchess/search/OperatingSystem.h"
 
 #include <atomic>
-#include <memory>
 
 namespace quarnel::engine {
 
@@ -25,11 +25,17 @@ struct TableEntry {
 
 class TranspositionTable {
   public:
-    explicit TranspositionTable(std::size_t megabytes = 16) { Resize(megabytes); }
+    /// Empty, and so small that it always fits.
+    TranspositionTable() = default;
+    ~TranspositionTable() { ReleaseTableMemory(memory_); }
+    TranspositionTable(const TranspositionTable&) = delete;
+    TranspositionTable& operator=(const TranspositionTable&) = delete;
 
-    /// Empties the table too. Falls back to smaller sizes when memory is short.
-    void Resize(std::size_t megabytes);
-    void Clear();
+    /// Takes memory for a table of this size, or for a smaller one when it is short. What it holds is undefined until
+    /// Clear().
+    void Allocate(std::size_t megabytes);
+    /// Empties one of `parts` equal parts, so that threads can share the work; by itself the whole table.
+    void Clear(std::size_t part = 0, std::size_t parts = 1);
     /// A new search begins: older entries give way first.
     void NextGeneration() { generation_ = (generation_ + 1) & GenerationMask; }
 
@@ -58,13 +64,10 @@ class TranspositionTable {
         return static_cast<std::size_t>((static_cast<WideKey>(key) * clusterCount_) >> 64);
     }
 
-    struct Release {
-        void operator()(Cluster* clusters) const;
-    };
-    static Cluster* Allocate(std::size_t count);
-
-    std::unique_ptr<Cluster[], Release> clusters_;
-    std::size_t clusterCount_ = 0;
+    Cluster smallest_;       // in use while there is no memory for more
+    void* memory_ = nullptr; // of all others
+    Cluster* clusters_ = &smallest_;
+    std::size_t clusterCount_ = 1;
     unsigned generation_ = 0;
 };
 

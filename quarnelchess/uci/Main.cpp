@@ -6,9 +6,19 @@
 
 int main() {
     using namespace quarnel::engine;
-    SteadyClock clock;
-    Uci uci(clock, [](std::string_view line) { std::cout << line << '\n' << std::flush; });
-    std::string line;
-    while (std::getline(std::cin, line) && uci.Obey(line)) {
+    try {
+        SteadyClock clock;
+        Uci uci(clock, [](std::string_view line) { std::cout << line << '\n' << std::flush; });
+        std::string line;
+        while (!std::cin.eof()) {
+            // A line that there is no memory for is passed over.
+            if (!std::getline(std::cin, line))
+                std::cin.clear(std::cin.rdstate() & std::ios::eofbit);
+            else if (!uci.Obey(line))
+                break;
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "quarnel-uci cannot start: " << error.what() << '\n';
+        return 1;
     }
 }

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
+#include <new>
 
 namespace quarnel::engine {
 namespace {
@@ -102,6 +103,16 @@ Uci::~Uci() {
 // --- Lines ----------------------------------------------------------------------------------------
 
 bool Uci::Obey(std::string_view line) {
+    try {
+        return ObeyCommand(line);
+    } catch (const std::bad_alloc&) {
+        const std::lock_guard lock(outputMutex_);
+        output_("info string memory is short: the command is left out");
+        return true;
+    }
+}
+
+bool Uci::ObeyCommand(std::string_view line) {
     constexpr struct {
         std::string_view Word;
         void (Uci::*Do)(std::string_view rest);
@@ -142,7 +153,10 @@ void Uci::Identify(std::string_view) {
 
 void Uci::Ready(std::string_view) {
     // A running search keeps its settings.
-    if (!search_.IsRunning()) ApplySettings();
+    if (!search_.IsRunning()) {
+        ApplySettings();
+        search_.Settle();
+    }
     Say("readyok");
 }
 
@@ -316,6 +330,16 @@ SearchLimits Uci::ReadLimits(std::string_view rest) {
 
 void Uci::Go(std::string_view rest) {
     FinishSearch({});
+    try {
+        StartSearch(rest);
+    } catch (const std::bad_alloc&) {
+        MoveBuffer moves;
+        GenerateMoves(root_.Position, moves);
+        SayBestMove(moves.Empty() ? Move{} : moves[0], {});
+    }
+}
+
+void Uci::StartSearch(std::string_view rest) {
     ApplySettings();
     SearchLimits limits = ReadLimits(rest);
     limits.MultiPv = multiPv_;
@@ -325,8 +349,9 @@ void Uci::Go(std::string_view rest) {
     linesShown_ = multiPv_;
     shownBest_ = {};
     inCheck_ = root_.Position.InCheck();
-    search_.Start(root_, limits, [this](const SearchInfo& info) { ShowInfo(info); });
-    answer_ = std::thread([this] { ShowAnswer(search_.Result()); });
+    search_.Start(
+        root_, limits, [this](const SearchInfo& info) { ShowInfo(info); },
+        [this](const SearchResult& result) { ShowAnswer(result); });
 }
 
 /// Not when the interface asks for thoughts rather than a move.
@@ -341,11 +366,7 @@ bool Uci::AnswerFromBook(const SearchLimits& limits) {
 }
 
 void Uci::PonderHit(std::string_view) {
-    if (answer_.joinable()) search_.PonderHit();
-}
-
-void Uci::AwaitAnswer() {
-    if (answer_.joinable()) answer_.join();
+    search_.PonderHit();
 }
 
 void Uci::FinishSearch(std::string_view) {
@@ -367,13 +388,18 @@ void Uci::ShowInfo(const SearchInfo& info) {
     if (mateWanted_ > 0 && info.Line.Value >= MateValue - (2 * mateWanted_ - 1)) search_.Stop();
 }
 
-/// On the thread that waited for the search.
+/// On a search thread.
 void Uci::ShowAnswer(const SearchResult& result) {
-    if (!result.Best) {
-        Say(std::string("info depth 0 score ") + (inCheck_ ? "mate 0" : "cp 0"));
-        SayBestMove({}, {});
-        return;
+    try {
+        ShowSummary(result);
+    } catch (const std::bad_alloc&) {
+        // The move counts.
     }
+    SayBestMove(result.Best, result.Reply);
+}
+
+void Uci::ShowSummary(const SearchResult& result) {
+    if (!result.Best) return Say(std::string("info depth 0 score ") + (inCheck_ ? "mate 0" : "cp 0"));
     const std::int64_t elapsedMs = clock_.NowMs() - startMs_;
     std::string line = "info";
     // The move may have come up since the last whole line.
@@ -383,11 +409,16 @@ void Uci::ShowAnswer(const SearchResult& result) {
     if (result.Best != shownBest_)
         line += " pv " + MoveText(result.Best) + (result.Reply ? " " + MoveText(result.Reply) : "");
     Say(line);
-    SayBestMove(result.Best, result.Reply);
 }
 
 void Uci::SayBestMove(Move best, Move reply) {
-    Say("bestmove " + MoveText(best) + (reply ? " ponder " + MoveText(reply) : ""));
+    std::string line = "bestmove " + MoveText(best); // so short that it needs no memory
+    try {
+        if (reply) line += " ponder " + MoveText(reply);
+    } catch (const std::bad_alloc&) {
+        // Without it, then.
+    }
+    Say(line);
 }
 
 } // namespace quarnel::engine

@@ -13,7 +13,6 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 namespace quarnel::engine {
@@ -32,7 +31,7 @@ class Uci {
     /// False after "quit". Lines come from one thread.
     bool Obey(std::string_view line);
     /// Until the running search has answered, if there is one. Without an end to it ("go infinite"), never returns.
-    void AwaitAnswer();
+    void AwaitAnswer() { search_.Result(); }
 
     /// The level (0..100) that plays like `elo`, blended between the measured levels.
     static int SkillForElo(int elo);
@@ -58,12 +57,15 @@ class Uci {
     void FinishSearch(std::string_view rest);
     void Ignore(std::string_view rest) { (void)rest; }
 
+    bool ObeyCommand(std::string_view line);
+    void StartSearch(std::string_view rest);
     SearchLimits ReadLimits(std::string_view rest);
     void ApplySettings();
     void ApplySeed();
     bool AnswerFromBook(const SearchLimits& limits);
     void ShowInfo(const SearchInfo& info);
     void ShowAnswer(const SearchResult& result);
+    void ShowSummary(const SearchResult& result);
     void SayBestMove(Move best, Move reply);
     void Say(const std::string& line);
     void Complain(std::string_view what, std::string_view text);
@@ -74,7 +76,6 @@ class Uci {
     Search search_;
     const Book& book_ = Book::Openings();
     std::uint64_t random_ = 0; // of the next choice from the book
-    std::thread answer_;       // waits for the search and says its move
 
     SearchRoot root_;
     std::vector<Option> options_;

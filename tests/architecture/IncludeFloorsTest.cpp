@@ -34,7 +34,7 @@ const std::map<std::string, Names> Floors{
     {"quarnelchess/board", {}},
     {"quarnelchess/evaluation", {"board", "immintrin.h"}},
     {"quarnelchess/records", {"board", "QuarnelChess.h"}},
-    {"quarnelchess/search", {"evaluation", "board", "sys/mman.h"}},
+    {"quarnelchess/search", {"evaluation", "board", "pthread.h", "sys/mman.h"}},
     {"quarnelchess/book", {"records", "board"}},
     {"quarnelchess/library", {"book", "search", "records", "evaluation", "board", "QuarnelChess.h"}},
     {"quarnelchess/uci", {"book", "search", "evaluation", "board"}},

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <functional>
 #include <set>
 #include <sstream>
@@ -79,6 +80,7 @@ bool Matches(const std::string& text, const std::string& pattern) {
            text.find(' ', star) == text.size() - 1;
 }
 
+const char* const NoMove = "White(0): - ";
 const char* const OnlyReply = "setboard 7k/8/8/8/8/8/q7/K7 w - - 0 1";     // Kxa2 is White's only move
 const char* const BackRank = "setboard 6k1/5ppp/8/8/8/8/8/R3K3 w - - 0 1"; // Ra8 mates
 // A position that no opening leads to, so that it takes a search.
@@ -87,43 +89,50 @@ const char* const Start = "setboard rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR 
 
 TEST(Session, AnswersEachConversationWithItsTextsAndNoOthers) {
     const Dialogue::Lines thinking = {"skill 100 100", Middlegame, "h3"};
+    const Dialogue::Lines bookMoveOwed = {"skill 100 100", "new", "go"};
     const struct {
         Dialogue::Lines Lines;
         std::vector<std::string> Texts;
         Dialogue::Lines Before = {}; // with which the engine is still busy when the lines come
     } cases[] = {
-        // Numbered by the plies that the engine is told.
-        {{OnlyReply, "white", "movenumber 0", "go"}, {"White(1): Kxa2 "}},
-        {{OnlyReply, "white", "movenumber 1", "go"}, {"White(1): Kxa2 "}},
-        {{OnlyReply, "white", "movenumber 24", "go"}, {"White(13): Kxa2 "}},
-        {{"setboard 7K/8/8/8/8/8/Q7/k7 b - -", "black", "movenumber 25", "go"}, {"Black(13): Kxa2 "}},
-        {{"setboard 7k/q7/8/8/8/8/8/K7 b - -", "black", "movenumber 7", "Qa2"}, {"White(5): Kxa2 "}},
+        // Numbered by the plies that the engine is told; a line that plays nothing is owed for each board.
+        {{OnlyReply, "white", "movenumber 0", "go"}, {NoMove, "White(1): Kxa2 "}},
+        {{OnlyReply, "white", "movenumber 1", "go"}, {NoMove, "White(1): Kxa2 "}},
+        {{OnlyReply, "white", "movenumber 24", "go"}, {NoMove, "White(13): Kxa2 "}},
+        {{"setboard 7K/8/8/8/8/8/Q7/k7 b - -", "black", "movenumber 25", "go"}, {NoMove, "Black(13): Kxa2 "}},
+        {{"setboard 7k/q7/8/8/8/8/8/K7 b - -", "black", "movenumber 7", "Qa2"}, {NoMove, "White(5): Kxa2 "}},
         // The engine mates: first its move, then the announcement. The user does: the announcement alone.
-        {{BackRank, "white", "movenumber 8", "go"}, {"White(5): Ra8 ", "White mates"}},
-        {{"setboard r3k3/8/8/8/8/8/5PPP/6K1 b - -", "black", "movenumber 9", "go"}, {"Black(5): Ra1 ", "Black mates"}},
-        {{BackRank, "white", "movenumber 8", "Ra8"}, {"White mates"}},
-        {{"setboard 7k/8/6K1/8/8/8/8/5Q2 w - -", "white", "movenumber 8", "Qf7"}, {"stalemate"}},
-        {{"setboard 7k/5Q2/6K1/8/8/8/8/8 b - -", "black", "movenumber 9", "go"}, {"stalemate"}},
+        {{BackRank, "white", "movenumber 8", "go"}, {NoMove, "White(5): Ra8 ", "White mates"}},
+        {{"setboard r3k3/8/8/8/8/8/5PPP/6K1 b - -", "black", "movenumber 9", "go"},
+         {NoMove, "Black(5): Ra1 ", "Black mates"}},
+        {{BackRank, "white", "movenumber 8", "Ra8"}, {"White mates", NoMove}},
+        {{"setboard 7k/8/6K1/8/8/8/8/5Q2 w - -", "white", "movenumber 8", "Qf7"}, {"stalemate", NoMove}},
+        {{"setboard 7k/5Q2/6K1/8/8/8/8/8 b - -", "black", "movenumber 9", "go"}, {"stalemate", NoMove}},
         // A drawn game goes on, as does one without kings, and codes that are no pieces harm nobody.
         {{"setboard 7k/8/8/8/8/8/8/K7 w - -", "skill 100 3", "go", "force", "go", "force", "go", "force"},
-         {"White(1): * ", "Black(1): * ", "White(2): * "}},
-        {{"setboard 8/8/8/8/p7/8/8/4R3 w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
-        {{"setboard k7/8/8/3V4/8/8/8/K3R2v w - -", "white", "movenumber 4", "go"}, {"White(3): * "}},
-        // "force" plays nothing but the move of a search, once.
-        {{"force", "force", "skill 100 1", "e4"}, {"White(0): - ", "White(0): - ", "Black(1): * "}},
-        {{"go", "force", "force"}, {"Black(1): * ", "White(0): - "}, thinking},
+         {"White(1): * ", "Black(1): * ", "White(2): * ", NoMove}},
+        {{"setboard 8/8/8/8/p7/8/8/4R3 w - -", "white", "movenumber 4", "go"}, {NoMove, "White(3): * "}},
+        {{"setboard k7/8/8/3V4/8/8/8/K3R2v w - -", "white", "movenumber 4", "go"}, {NoMove, "White(3): * "}},
+        // "force" plays nothing but the move of a search, once, and pays no debt.
+        {{"force", "force", "skill 100 1", "e4"}, {NoMove, NoMove, "Black(1): * "}},
+        {{"new", "force"}, {NoMove, NoMove}},
+        {{"go", "force", "force"}, {"Black(1): * ", NoMove}, thinking},
         {{"force", "skill 100 1", "Kh1"}, {"Black(1): * ", "Black(2): * "}, thinking},
         {{"Kh1", "Ke2", "force"}, {"Illegal now.", "Illegal now.", "Black(1): * "}, thinking},
-        // A new game ends the search, too, with its one line, whether "force" comes before it or not.
+        // A search that a new game or board interrupts has the line that is owed in the place of its move, one for
+        // several.
         {{"force", Start, "white", "movenumber 0", "skill 100 5", "sync", "go"},
-         {"Black(1): * ", "White(1): * "},
+         {"Black(1): * ", NoMove, "White(1): * "},
          thinking},
-        {{OnlyReply, "skill 100 1", "go"}, {"Black(1): * ", "White(1): Kxa2 "}, thinking},
-        {{"new", "skill 100 1", "e4"}, {"Black(1): * ", "Black(1): * "}, thinking},
+        {{OnlyReply, "skill 100 1", "go"}, {NoMove, "White(1): Kxa2 "}, thinking},
+        {{"new", "skill 100 1", OnlyReply, "new", "e4"}, {NoMove, "Black(1): * "}, thinking},
+        {{"new"}, {NoMove}, bookMoveOwed},
     };
     for (const auto& c : cases) {
         Dialogue d;
         d.HandOver(c.Before);
+        d.TheSession.Step(); // what is owed for them
+        d.Texts.clear();
         d.Say(c.Lines);
         EXPECT_TRUE(std::equal(d.Texts.begin(), d.Texts.end(), c.Texts.begin(), c.Texts.end(), Matches))
             << testing::PrintToString(c.Lines) << testing::PrintToString(d.Texts);
@@ -149,7 +158,8 @@ TEST(Session, UnreadableLinesChangeNothingAndAreNeverQuoted) {
 TEST(Session, AsksUntilNothingComesAndThenMayWait) {
     Dialogue d;
     d.Say({"new", "sync", "force"});
-    const std::vector<std::string> expected = {"> new", "> sync", "> force", "< White(0): - ", "0", "1"};
+    const std::vector<std::string> expected = {"> new", "> sync",         "> force", "< White(0): - ",
+                                               "0",     "< White(0): - ", "0",       "1"};
     EXPECT_EQ(d.Log, expected);
     // Callbacks that return at once are followed by a pause, those that waited for the user by none.
     const std::int64_t before = d.Time.NowMs();
@@ -176,7 +186,7 @@ TEST(Session, AsksOnWithoutWaitingWhileAMoveIsOwed) {
     d.HandOver({"skill 100 100", "Kh1"});
     const std::int64_t before = d.Time.NowMs();
     d.HandOver({"force"});
-    EXPECT_EQ(d.Texts.size(), 2U);
+    EXPECT_EQ(d.Texts.size(), 3U);
     EXPECT_LT(d.Time.NowMs() - before, 10);
 }
 

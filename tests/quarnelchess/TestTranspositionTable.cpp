@@ -9,7 +9,9 @@ namespace quarnel::engine {
 namespace {
 
 TEST(TranspositionTable, GivesBackWhatItWasGivenUntilSomethingBetterNeedsTheRoom) {
-    TranspositionTable table(1);
+    TranspositionTable table;
+    table.Allocate(1);
+    table.Clear();
     TableEntry entry;
     for (const int value : {0, 1, -1, 31900, -31900, NoValue}) {
         EXPECT_FALSE(table.Probe(42, entry));
@@ -35,7 +37,9 @@ TEST(TranspositionTable, GivesBackWhatItWasGivenUntilSomethingBetterNeedsTheRoom
 }
 
 TEST(TranspositionTable, NeverHandsOutAMixtureOfTwoEntries) {
-    TranspositionTable table(1);
+    TranspositionTable table;
+    table.Allocate(1);
+    table.Clear();
     // Two writers fight over one cluster; value and evaluation of a whole entry always agree with its key.
     const auto write = [&table](int from) {
         for (int i = 0; i < 20000; ++i) {
