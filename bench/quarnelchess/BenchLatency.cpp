@@ -1,5 +1,5 @@
 // Prints how punctual the session is: overshoot of the time a move may take, time from "force" to the
-// move line, and how long the program's thread is kept between two callbacks while a search runs.
+// move line, and how long the program's thread is kept between two callbacks, by a search and by what changes it.
 //
 //   bench-latency [moves] [tenths of a second a move]        30 moves of 0.5 s by default, about 25 s
 #include "quarnelchess/library/Session.h"
@@ -35,10 +35,9 @@ void Print(const char* what, std::vector<double> values) {
 int main(int argc, char** argv) {
     const int moves = argc > 1 ? std::atoi(argv[1]) : 30;
     const int tenths = argc > 2 ? std::atoi(argv[2]) : 5;
-    std::vector<double> overshoot, force, held;
+    std::vector<double> overshoot, force, held, settings;
     Moment started;
     Moment left = std::chrono::steady_clock::now();
-    int answers = 0;
     Session* running = nullptr;
     bool wasThinking = false;
     // What the engine does between two callbacks, its own pause left out, holds the program's thread.
@@ -64,7 +63,7 @@ int main(int argc, char** argv) {
             pausing.Slept = 0;
             left = std::chrono::steady_clock::now();
         },
-        [&](int) { ++answers; });
+        [](int) {});
     running = &session;
 
     session.Receive("mt = 1");
@@ -83,8 +82,7 @@ int main(int argc, char** argv) {
     for (int i = 0; i < moves; ++i) {
         if (i % 20 == 0) session.Receive(middlegame);
         go();
-        const int before = answers;
-        while (answers == before) session.Step();
+        while (session.IsThinking()) session.Step();
         overshoot.push_back(MsSince(started) - tenths * 100);
     }
     for (int i = 0; i < moves; ++i) {
@@ -96,8 +94,21 @@ int main(int argc, char** argv) {
         session.Step();
         force.push_back(MsSince(started));
     }
+    // With eight threads and the largest table, whether a search runs or not.
+    session.Receive("mt = 8");
+    for (int i = 0; i < moves; ++i) {
+        for (const std::string& line : {"adaptive 10M 4M " + std::string(i % 2 == 0 ? "1024M" : "512M") + " 1M 16M",
+                                        std::string("new"), middlegame, std::string("go"), std::string("new")}) {
+            session.Receive(line);
+            started = std::chrono::steady_clock::now();
+            session.Step();
+            settings.push_back(MsSince(started));
+        }
+        for (int step = 0; step < 100; ++step) session.Step();
+    }
     Print("beyond the time for a move", overshoot);
     Print("from \"force\" to the move line", force);
     Print("program's thread held", held);
+    Print("the same by settings and new games", settings);
     return 0;
 }
