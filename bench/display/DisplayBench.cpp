@@ -1,6 +1,7 @@
 // How many frames a second the board can be composed, and what the stretch to the window costs.
 
 #include "display/PieceAnimation.h"
+#include "platform/Stretch.h"
 #include "platform/scripted/ScriptedDesktop.h"
 
 #include <benchmark/benchmark.h>

@@ -73,9 +73,12 @@ void FrmBoard::Form_QueryUnload() {
 void FrmBoard::WaitSeconds(float seconds) {
     const auto duration = static_cast<std::uint32_t>(RoundHalfEven(seconds * 1000));
     const std::uint32_t start = desktop_.TickCount();
-    do {
+    desktop_.ProcessEvents();
+    for (std::uint32_t passed = desktop_.TickCount() - start; passed <= duration;
+         passed = desktop_.TickCount() - start) {
+        desktop_.WaitEventFor(duration + 1 - passed);
         desktop_.ProcessEvents();
-    } while (desktop_.TickCount() - start <= duration);
+    }
 }
 
 } // namespace quarnel

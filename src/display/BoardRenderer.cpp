@@ -35,9 +35,11 @@ void SizeLike(Surface& surface, const Surface& model) {
 
 } // namespace
 
-void PresentFrame(Desktop& desktop, Form& frmBoard, const BoardPictures& pictures, float zoom) {
-    desktop.Present(frmBoard, pictures.buf[3], FrameWidth, FrameHeight, RoundHalfEven(FrameWidth * zoom),
-                    RoundHalfEven(FrameHeight * zoom));
+void PresentFrame(Desktop& desktop, Form& frmBoard, const BoardPictures& pictures, float zoom,
+                  const Rectangle& changed) {
+    desktop.Present(frmBoard, pictures.buf[3],
+                    {FrameWidth, FrameHeight, RoundHalfEven(FrameWidth * zoom), RoundHalfEven(FrameHeight * zoom)},
+                    changed);
     desktop.ProcessEvents();
 }
 

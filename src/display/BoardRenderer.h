@@ -13,8 +13,12 @@
 
 namespace quarnel {
 
-/// Shows the finished frame buf(3), stretched by `zoom`, and lets pending window events run.
-void PresentFrame(Desktop& desktop, Form& frmBoard, const BoardPictures& pictures, float zoom);
+inline constexpr Rectangle WholeFrame{0, 0, FrameWidth, FrameHeight};
+
+/// Shows the finished frame buf(3), stretched by `zoom`, and lets pending window events run. It differs from the one
+/// shown last in the frame pixels of `changed` at most.
+void PresentFrame(Desktop& desktop, Form& frmBoard, const BoardPictures& pictures, float zoom,
+                  const Rectangle& changed = WholeFrame);
 
 class BoardRenderer {
   public:

@@ -20,6 +20,10 @@ struct DirtyRectangle {
     int Left, Top, Width, Height;
 };
 
+Rectangle Bounds(const DirtyRectangle& r) {
+    return {r.Left, r.Top, r.Left + r.Width, r.Top + r.Height};
+}
+
 void CopyRectangle(Surface& target, const Surface& source, const DirtyRectangle& r) {
     BitBlt(target, r.Left, r.Top, r.Width, r.Height, source, r.Left, r.Top, RasterOp::SrcCopy);
 }
@@ -141,7 +145,8 @@ bool PieceAnimation::RunSlide(int piece, const Path& path) {
         CopyRectangle(buf[0], buf[1], dirty);
         if (!DrawPiece(pictures_, buf[0], piece, RoundHalfEven(currentX), RoundHalfEven(currentY))) return false;
         CopyRectangle(buf[3], buf[0], dirty);
-        PresentFrame(desktop_, frmBoard_, pictures_, state_.Zoom);
+        PresentFrame(desktop_, frmBoard_, pictures_, state_.Zoom, Bounds(dirty));
+        AwaitNextPicture(start + elapsedMs, durationMs - elapsedMs);
         previousX = currentX;
         previousY = currentY;
         elapsedMs = std::min(desktop_.TickCount() - start, durationMs);
@@ -149,6 +154,18 @@ bool PieceAnimation::RunSlide(int piece, const Path& path) {
         currentY = path.FromY + path.DeltaY * elapsedMs / durationMs;
     } while (elapsedMs != durationMs);
     return true;
+}
+
+// Sleeps until the display is done with the picture shown at `shownMs`, but no longer than `mostMs`; events run
+// meanwhile.
+void PieceAnimation::AwaitNextPicture(std::uint32_t shownMs, std::uint32_t mostMs) {
+    const std::uint32_t pictureMs = std::min(desktop_.PictureMs(), mostMs);
+    if (pictureMs == 0) return;
+    for (std::uint32_t passed = desktop_.TickCount() - shownMs; passed < pictureMs;
+         passed = desktop_.TickCount() - shownMs) {
+        desktop_.WaitEventFor(pictureMs - passed);
+        desktop_.ProcessEvents();
+    }
 }
 
 void PieceAnimation::MovePiece(PointerButton, int, float x, float y) {
@@ -184,7 +201,7 @@ void PieceAnimation::DrawDragged() {
                                PieceSize + std::abs(c.DragY - c.DragLastY)};
     KeepDragPosition();
     CopyRectangle(buf[3], buf[1], dirty);
-    PresentFrame(desktop_, frmBoard_, pictures_, state_.Zoom);
+    PresentFrame(desktop_, frmBoard_, pictures_, state_.Zoom, Bounds(dirty));
     CopyRectangle(buf[1], buf[0], {c.DragX - GrabOffset, c.DragY - GrabOffset, PieceSize, PieceSize});
 }
 

@@ -34,6 +34,7 @@ class PieceAnimation {
 
     bool Slide(const Position& position, MoveRec& move, Truth NoMarks);
     bool RunSlide(int piece, const Path& path);
+    void AwaitNextPicture(std::uint32_t shownMs, std::uint32_t mostMs);
     void DrawDragged();
     void KeepDragPosition();
 

@@ -21,6 +21,15 @@ namespace quarnel {
 /// A loaded library; 0 is none.
 using LibraryHandle = std::int32_t;
 
+/// How a frame is shown: its top-left `SourceWidth` x `SourceHeight`, smoothly stretched to `Width` x `Height` pixels.
+struct FrameView {
+    int SourceWidth = 0;
+    int SourceHeight = 0;
+    int Width = 0;
+    int Height = 0;
+    bool operator==(const FrameView&) const = default;
+};
+
 class Desktop {
   public:
     virtual ~Desktop() = default;
@@ -32,6 +41,8 @@ class Desktop {
     virtual bool PeekEvent() = 0;
     /// Sleeps until a window event is waiting; returns at once when one is already.
     virtual void WaitEvent() = 0;
+    /// The same, but no longer than `mostMs` milliseconds.
+    virtual void WaitEventFor(std::uint32_t mostMs) = 0;
     /// Delivers events until none is left, those that arrive meanwhile included. Nests.
     virtual void ProcessEvents() = 0;
 
@@ -61,11 +72,12 @@ class Desktop {
 
     // Drawing.
 
-    /// Shows the top-left `sourceWidth` x `sourceHeight` of `frame`, smoothly stretched to `width` x
-    /// `height` pixels, at the top-left of the form's inner area, under its controls. It stays there
-    /// until the next one; `frame` is not needed any longer.
-    virtual void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width,
-                         int height) = 0;
+    /// Shows the top-left of `frame` as `view` says, at the top-left of the form's inner area, under its
+    /// controls. It stays there until the next one; `frame` is not needed any longer. Only what lies in
+    /// `changed` has to differ from the last one of the same view; the rest may be taken from there.
+    virtual void Present(Form& form, const Surface& frame, const FrameView& view, const Rectangle& changed) = 0;
+    /// How long the display shows a picture, in milliseconds; 0 when it is not known.
+    virtual std::uint32_t PictureMs() = 0;
     /// The size in pixels of `text` on one line, or wrapped at `wrapWidth` pixels when that is above 0.
     virtual Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) = 0;
     /// Draws `text` with its top-left corner at (x, y), without a background.

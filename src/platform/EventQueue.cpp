@@ -59,6 +59,13 @@ void EventQueue::PushMove(const FormPointerEvent& event) {
     }
 }
 
+bool EventQueue::HasCommand() const {
+    return std::ranges::any_of(events_, [](const WindowEvent& event) {
+        const auto* pointer = std::get_if<FormPointerEvent>(&event);
+        return pointer == nullptr || pointer->What != FormPointerEvent::Action::Move;
+    });
+}
+
 bool EventQueue::DeliverNext() {
     if (events_.empty()) return false;
     const WindowEvent event = events_.front();

@@ -33,6 +33,8 @@ class EventQueue {
     /// event waiting, so that a pointer faster than the program leaves no row of old positions behind it.
     void PushMove(const FormPointerEvent& event);
     bool Empty() const { return events_.empty(); }
+    /// Whether anything but pointer moves is waiting.
+    bool HasCommand() const;
 
     /// Takes the oldest event out and runs its handlers; false when there was none.
     ///

@@ -86,15 +86,6 @@ struct Size {
 /// Forms are measured in twips from outside.
 inline constexpr int TwipsPerPixel = 15;
 
-/// Left and top included, right and bottom excluded.
-struct Rectangle {
-    int Left = 0;
-    int Top = 0;
-    int Right = 0;
-    int Bottom = 0;
-    bool operator==(const Rectangle&) const = default;
-};
-
 enum class PointerButton { None = 0, Left = 1, Right = 2, Middle = 4 };
 
 /// A pointer event inside a control, in pixels from its top-left corner; may lie outside of it while a

@@ -20,6 +20,15 @@ constexpr Colour Rgb(int red, int green, int blue) {
 inline constexpr Colour ColourBlack = Rgb(0, 0, 0);
 inline constexpr Colour ColourWhite = Rgb(255, 255, 255);
 
+/// Left and top included, right and bottom excluded.
+struct Rectangle {
+    int Left = 0;
+    int Top = 0;
+    int Right = 0;
+    int Bottom = 0;
+    bool operator==(const Rectangle&) const = default;
+};
+
 /// How source and destination combine, colour bits only; the result is opaque.
 enum class RasterOp {
     SrcCopy,    ///< source
@@ -62,10 +71,5 @@ class Surface {
 /// What lies outside either surface is left out. `source` may be `target` when the areas do not overlap.
 void BitBlt(Surface& target, int x, int y, int width, int height, const Surface& source, int sourceX, int sourceY,
             RasterOp operation);
-
-/// The top-left `sourceWidth` x `sourceHeight` of `source`, smoothly resampled to `width` x `height`:
-/// an exact copy when the sizes agree, area averages when it shrinks, interpolation when it grows.
-/// All sizes at least 1. The alpha byte is treated like a colour.
-Surface StretchBlt(const Surface& source, int sourceWidth, int sourceHeight, int width, int height);
 
 } // namespace quarnel

@@ -2,6 +2,7 @@
 //
 // What the program's own window shows of it is left to the tests that use the program.
 #include "platform/qt/QtDesktop.h"
+#include "platform/Stretch.h"
 
 #include "window/WindowDriver.h"
 
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QMenuBar>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QWidget>
 
 #include <sstream>
@@ -28,6 +30,8 @@ using xdriver::WindowId;
 constexpr int InnerWidth = 361;
 constexpr int InnerHeight = 362;
 constexpr int FrameSize = 366;
+constexpr FrameView View{FrameSize, FrameSize, FrameSize, FrameSize};
+constexpr Rectangle All{0, 0, FrameSize, FrameSize};
 constexpr Colour Ground = Rgb(10, 20, 30);
 
 // One desktop for all tests, as a process has only one.
@@ -71,7 +75,7 @@ class QtDesktopTest : public testing::Test {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         };
         User.MoveOnScreen(1200, 1000);
-        TheDesktop->Present(Main, Surface(FrameSize, FrameSize, Ground), FrameSize, FrameSize, FrameSize, FrameSize);
+        TheDesktop->Present(Main, Surface(FrameSize, FrameSize, Ground), View, All);
         Main.Visible = true;
         Window = User.WaitForWindow("Sample");
         EXPECT_TRUE(User.Activate(Window));
@@ -230,6 +234,46 @@ TEST_F(QtDesktopTest, AMenuShowsWhichItemsAreCheckedAndEnabled) {
     }
 }
 
+// Processing does not return to the program before; the pointer's release, which the menu takes, is made up for.
+TEST_F(QtDesktopTest, AnOpenMenuHoldsTheProgramUntilItIsClosedOrACommandComesFromElsewhere) {
+    auto* menu = Canvas()->window()->findChild<QMenuBar*>()->actions().front()->menu();
+    Back.OnClick = [&] { Log.push_back("back"); };
+    const std::pair<std::function<void()>, const char*> ends[] = {
+        {[&] { menu->actions().front()->trigger(); }, "back"},
+        {[&] { User.Chord("Escape"); }, nullptr},
+        {[&] {
+             User.Release();
+             User.Chord("Escape");
+         },
+         "form up 20,30 b1"},
+    };
+    for (const auto& [end, entry] : ends) {
+        const bool drags = entry == ends[2].second;
+        MoveTo(20, 30);
+        if (drags) {
+            User.Press();
+            EXPECT_TRUE(WaitForLog("form down 20,30 b1"));
+        }
+        Log.clear();
+        int looks = 0;
+        bool peeked = false;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&, &end = end] {
+            if (!menu->isVisible() || ++looks != 3) return;
+            peeked = TheDesktop->PeekEvent();
+            end();
+        });
+        timer.start(1);
+        menu->popup(Canvas()->mapToGlobal(QPoint(150, 100)));
+        TheDesktop->ProcessEvents();
+        EXPECT_FALSE(menu->isVisible());
+        EXPECT_GE(looks, 3);
+        EXPECT_TRUE(peeked);
+        EXPECT_TRUE(entry == nullptr ? Log.empty() : WaitForLog(entry)) << (entry == nullptr ? "" : entry);
+        User.Release();
+    }
+}
+
 TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
     const FontChoice font{u"Tahoma", 8, false};
     const Size one = TheDesktop->MeasureText(u"Move", font, 0);
@@ -311,7 +355,7 @@ TEST_F(SharpDisplayTest, StretchesTheFrameAtTheDisplaysOwnResolution) {
     if (qgetenv("QT_SCALE_FACTOR") != "2") GTEST_SKIP() << "this display has one pixel a point";
     Surface lines(FrameSize, FrameSize, Rgb(10, 20, 30));
     for (int i = 0; i < FrameSize * FrameSize; i += 3) lines.Pixels()[i] = Rgb(200, 100, 50);
-    TheDesktop->Present(Main, lines, FrameSize, FrameSize, FrameSize, FrameSize);
+    TheDesktop->Present(Main, lines, View, All);
     const Surface frame = StretchBlt(lines, FrameSize, FrameSize, 2 * FrameSize, 2 * FrameSize);
     Surface expected(2 * InnerWidth, 2 * 320); // above the strip
     BitBlt(expected, 0, 0, expected.Width(), expected.Height(), frame, 0, 0, RasterOp::SrcCopy);

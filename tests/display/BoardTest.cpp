@@ -225,6 +225,19 @@ TEST_F(AnimateMoveTest, TakesFiftyMillisecondsASquareMarksTheOriginAtOnceAndBoth
     }
 }
 
+TEST_F(AnimateMoveTest, ShowsNoMorePicturesThanTheDisplayAndSleepsBetweenThem) {
+    Screen.TickStepMs = 1;
+    Screen.FrameMs = 16;
+    Screen.LogEvents = true;
+    MoveRec move{1, 8, 1, 1, 0, 0, 0, 0};
+    const std::uint32_t start = Screen.NowMs;
+    const int pictures = Animate(move);
+    const auto waits = std::ranges::count_if(Screen.Log, [](const std::string& e) { return e.starts_with("wait "); });
+    EXPECT_THAT(pictures, testing::AllOf(testing::Ge(350 / 20), testing::Le(350 / 16 + 2)));
+    EXPECT_EQ(waits, pictures - 1);
+    EXPECT_THAT(Screen.NowMs - start, testing::AllOf(testing::Ge(350U), testing::Le(355U)));
+}
+
 TEST_F(AnimateMoveTest, WithoutAWayOrAPieceNothingIsShownAndAFailureShowsTheRedrawAlone) {
     PieceAt(State().CurPos, 4, 4) = 17; // a code without an image
     const std::pair<MoveRec, int> cases[] = {{{5, 7, 5, 7, 0, 0, 0, 0}, 0},   {{5, 5, 5, 4, 0, 0, 0, 0}, 0},

@@ -1,4 +1,4 @@
-#include "platform/Surface.h"
+#include "platform/Stretch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -106,6 +106,35 @@ TEST(StretchBlt, KeepsPlainColoursToTheBitAtEveryZoom) {
             const Surface result = StretchBlt(Surface(100, 100, colour), 100, 100, size, size);
             EXPECT_TRUE(result == Surface(size, size, colour)) << std::hex << colour << " at " << std::dec << size;
         }
+}
+
+TEST(Stretcher, KeepsUpWithPartsAsIfAllWereStretchedAnew) {
+    const int sizes[][4] = {{36, 30, 27, 23}, {20, 20, 50, 50}, {40, 40, 30, 30}, {8, 9, 8, 9}, {122, 30, 305, 75}};
+    for (const auto& [sourceWidth, sourceHeight, width, height] : sizes) {
+        Surface source = Pattern(sourceWidth, sourceHeight, 5);
+        Stretcher stretcher;
+        EXPECT_TRUE(stretcher.SetSizes(sourceWidth, sourceHeight, width, height));
+        stretcher.Update(source, {0, 0, sourceWidth, sourceHeight});
+        for (int i = 0; i < 12; ++i) {
+            const Surface before = stretcher.Result();
+            const int left = i * 7 % sourceWidth;
+            const int top = i * 5 % sourceHeight;
+            const Rectangle part{left, top, std::min(left + 1 + i % 9, sourceWidth), top + 1 + i % 13};
+            const Surface change = Pattern(part.Right - left, part.Bottom - top, i);
+            BitBlt(source, left, top, change.Width(), change.Height(), change, 0, 0, RasterOp::SrcCopy);
+            EXPECT_FALSE(stretcher.SetSizes(sourceWidth, sourceHeight, width, height));
+            const Rectangle touched = stretcher.Update(source, part);
+            const Surface& result = stretcher.Result();
+            ASSERT_TRUE(result == StretchBlt(source, sourceWidth, sourceHeight, width, height));
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x) {
+                    const bool inside =
+                        x >= touched.Left && x < touched.Right && y >= touched.Top && y < touched.Bottom;
+                    ASSERT_TRUE(inside || result.At(x, y) == before.At(x, y)) << x << ", " << y;
+                }
+        }
+        EXPECT_EQ(stretcher.Update(source, {sourceWidth, 0, sourceWidth + 9, 9}), Rectangle());
+    }
 }
 
 } // namespace

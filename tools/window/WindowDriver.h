@@ -8,7 +8,7 @@
 #pragma once
 
 #include "platform/Form.h"
-#include "platform/Surface.h"
+#include "platform/Stretch.h"
 
 #include <functional>
 #include <optional>

@@ -45,13 +45,14 @@ FormCanvas::FormCanvas(Form& form, EventQueue& queue, QWidget* parent) : QWidget
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void FormCanvas::Present(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
-    painter_.SetFrame(source, sourceWidth, sourceHeight, width, height);
-    Refresh();
+void FormCanvas::Present(const Surface& frame, const FrameView& view, const Rectangle& changed) {
+    const QRect part = painter_.SetFrame(frame, view, changed) & rect();
+    unpainted_ |= part;
+    update(part);
 }
 
 void FormCanvas::Refresh() {
-    painted_ = nullptr;
+    unpainted_ = rect();
     update();
 }
 
@@ -62,10 +63,11 @@ void FormCanvas::Forget() {
 void FormCanvas::paintEvent(QPaintEvent* event) {
     const double ratio = devicePixelRatioF();
     const QSize needed(qMax(1, qCeil(width() * ratio)), qMax(1, qCeil(height() * ratio)));
-    const bool current = painted_ != nullptr && paintedRatio_ == ratio && painted_->size() == needed;
-    if (!current && form_ != nullptr) {
-        painted_ = &painter_.Paint(*form_, size(), ratio);
+    if (painted_ == nullptr || paintedRatio_ != ratio || painted_->size() != needed) unpainted_ = rect();
+    if (!unpainted_.isEmpty() && form_ != nullptr) {
+        painted_ = &painter_.Paint(*form_, size(), ratio, unpainted_);
         paintedRatio_ = ratio;
+        unpainted_ = {};
     }
     if (painted_ == nullptr) return;
     QImage image = *painted_;
@@ -110,7 +112,7 @@ void FormCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void FormCanvas::mouseReleaseEvent(QMouseEvent* event) {
-    ReleaseWhatIsNotHeld(*event, event->buttons());
+    ReleaseWhatIsNotHeld(event->buttons(), event->modifiers(), event->position());
 }
 
 void FormCanvas::mouseMoveEvent(QMouseEvent* event) {
@@ -123,7 +125,7 @@ void FormCanvas::enterEvent(QEnterEvent* event) {
 }
 
 void FormCanvas::FollowPointer(const QSinglePointEvent& event, Qt::MouseButtons held) {
-    ReleaseWhatIsNotHeld(event, held);
+    ReleaseWhatIsNotHeld(held, event.modifiers(), event.position());
     if (carrying_) {
         window()->move(event.globalPosition().toPoint() - grabbedAt_);
         return;
@@ -134,13 +136,18 @@ void FormCanvas::FollowPointer(const QSinglePointEvent& event, Qt::MouseButtons 
 // Pushes the release of every button that is not `held` any longer. A release can get lost, for example when
 // the window manager takes the pointer away in the middle of a press; it is made up for as soon as the pointer is seen
 // again.
-void FormCanvas::ReleaseWhatIsNotHeld(const QSinglePointEvent& event, Qt::MouseButtons held) {
+void FormCanvas::ReleaseWhatIsNotHeld(Qt::MouseButtons held, Qt::KeyboardModifiers keys, const QPointF& at) {
     for (const auto& [qtButton, button] : Buttons) {
         if (!pressed_.testFlag(qtButton) || held.testFlag(qtButton)) continue;
         pressed_.setFlag(qtButton, false);
         if (qtButton == Qt::LeftButton) carrying_ = false;
-        Push(Action::Release, button, event.modifiers(), event.position());
+        Push(Action::Release, button, keys, at);
     }
+}
+
+void FormCanvas::CatchUpWithButtons() {
+    ReleaseWhatIsNotHeld(QGuiApplication::mouseButtons(), QGuiApplication::keyboardModifiers(),
+                         mapFromGlobal(QCursor::pos()));
 }
 
 void FormCanvas::CarryWindow() {

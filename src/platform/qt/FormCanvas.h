@@ -24,9 +24,11 @@ class FormCanvas : public QWidget {
     /// The form shown, null once it was forgotten.
     Form* ShownForm() const { return form_; }
 
-    void Present(const Surface& source, int sourceWidth, int sourceHeight, int width, int height);
+    void Present(const Surface& frame, const FrameView& view, const Rectangle& changed);
     /// Paints anew as soon as events are processed.
     void Refresh();
+    /// Makes up for releases that something else in front of the window has taken.
+    void CatchUpWithButtons();
     /// Lets the pressed pointer carry the window until the release.
     void CarryWindow();
     /// Pushes a move to (x, y), and a press and a release of the left button there.
@@ -46,13 +48,14 @@ class FormCanvas : public QWidget {
   private:
     void Push(FormPointerEvent::Action what, PointerButton button, Qt::KeyboardModifiers keys, const QPointF& at);
     void FollowPointer(const QSinglePointEvent& event, Qt::MouseButtons held);
-    void ReleaseWhatIsNotHeld(const QSinglePointEvent& event, Qt::MouseButtons held);
+    void ReleaseWhatIsNotHeld(Qt::MouseButtons held, Qt::KeyboardModifiers keys, const QPointF& at);
     bool ShowToolTip(const QPoint& at, const QPoint& onScreen);
 
     Form* form_;
     EventQueue& queue_;
     FormPainter painter_;
-    const QImage* painted_ = nullptr; ///< the painter's picture while it is up to date
+    const QImage* painted_ = nullptr; ///< the painter's picture
+    QRect unpainted_;                 ///< what of the widget it does not show yet
     double paintedRatio_ = 0;
     Qt::MouseButtons pressed_; ///< buttons whose press was pushed and whose release was not
     QPoint grabbedAt_;         ///< where in the window the last press was

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace quarnel {
 
@@ -19,6 +20,12 @@ double StretchCost(const Surface& picture, int width, int height) {
         return to > from ? 1.25 * std::log(to / from) : std::log(from / to);
     };
     return cost(picture.Width(), width) + cost(picture.Height(), height);
+}
+
+Rectangle Union(const Rectangle& a, const Rectangle& b) {
+    if (a.Left >= a.Right || a.Top >= a.Bottom) return b;
+    if (b.Left >= b.Right || b.Top >= b.Bottom) return a;
+    return {std::min(a.Left, b.Left), std::min(a.Top, b.Top), std::max(a.Right, b.Right), std::max(a.Bottom, b.Bottom)};
 }
 
 const Surface* BestSize(const Picture& picture, int width, int height) {
@@ -55,16 +62,24 @@ QImage Stretched(const Surface& source, int width, int height) {
 
 } // namespace
 
-void FormPainter::SetFrame(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
-    if (frame_.Source.Width() != sourceWidth || frame_.Source.Height() != sourceHeight) {
-        frame_.Source = Surface(sourceWidth, sourceHeight);
-    }
-    BitBlt(frame_.Source, 0, 0, sourceWidth, sourceHeight, source, 0, 0, RasterOp::SrcCopy);
-    frame_.Width = width;
-    frame_.Height = height;
+QRect FormPainter::SetFrame(const Surface& frame, const FrameView& view, const Rectangle& changed) {
+    const Rectangle all{0, 0, view.SourceWidth, view.SourceHeight};
+    const Rectangle part = view_ == view ? changed : all;
+    if (view_ != view) frame_ = Surface(view.SourceWidth, view.SourceHeight);
+    view_ = view;
+    BitBlt(frame_, part.Left, part.Top, part.Right - part.Left, part.Bottom - part.Top, frame, part.Left, part.Top,
+           RasterOp::SrcCopy);
+    unstretched_ = Union(unstretched_, part);
+    // A pixel of the frame colours those beside it, too.
+    constexpr int Reach = 3;
+    const double across = static_cast<double>(view.Width) / view.SourceWidth;
+    const double down = static_cast<double>(view.Height) / view.SourceHeight;
+    const QRectF box((part.Left - Reach) * across, (part.Top - Reach) * down,
+                     (part.Right - part.Left + 2 * Reach) * across, (part.Bottom - part.Top + 2 * Reach) * down);
+    return box.toAlignedRect();
 }
 
-const QImage& FormPainter::Paint(const Form& form, const QSize& size, double ratio) {
+const QImage& FormPainter::Paint(const Form& form, const QSize& size, double ratio, const QRect& part) {
     const int width = std::max(1, static_cast<int>(std::ceil(size.width() * ratio)));
     const int height = std::max(1, static_cast<int>(std::ceil(size.height() * ratio)));
     if (image_.width() != width || image_.height() != height) {
@@ -73,19 +88,25 @@ const QImage& FormPainter::Paint(const Form& form, const QSize& size, double rat
         stretched_.clear();
     }
     ratio_ = ratio;
+    const QRectF box(part.left() * ratio, part.top() * ratio, part.width() * ratio, part.height() * ratio);
+    const QRect clip = box.toAlignedRect() & image_.rect();
     QPainter painter(&image_);
+    painter.setClipRect(clip);
     PaintControl(painter, form, image_.rect());
-    PaintFrame(painter);
-    PaintChildren(painter, form, 0, 0, image_.rect());
+    PaintFrame(painter, clip);
+    PaintChildren(painter, form, 0, 0, clip);
     return image_;
 }
 
-void FormPainter::PaintFrame(QPainter& painter) {
-    if (frame_.Source.Empty()) return;
-    const int width = std::max(1, RoundHalfEven(frame_.Width * ratio_));
-    const int height = std::max(1, RoundHalfEven(frame_.Height * ratio_));
-    const Surface stretched = StretchBlt(frame_.Source, frame_.Source.Width(), frame_.Source.Height(), width, height);
-    painter.drawImage(0, 0, ImageOf(stretched, QImage::Format_RGB32));
+void FormPainter::PaintFrame(QPainter& painter, const QRect& clip) {
+    if (frame_.Empty()) return;
+    const int width = std::max(1, RoundHalfEven(view_.Width * ratio_));
+    const int height = std::max(1, RoundHalfEven(view_.Height * ratio_));
+    const Surface& stretched = stretchedFrame_.Result();
+    if (stretchedFrame_.SetSizes(frame_.Width(), frame_.Height(), width, height))
+        unstretched_ = {0, 0, frame_.Width(), frame_.Height()};
+    stretchedFrame_.Update(frame_, std::exchange(unstretched_, {}));
+    painter.drawImage(clip.topLeft(), ImageOf(stretched, QImage::Format_RGB32), clip);
 }
 
 QRect FormPainter::DeviceBox(double left, double top, double width, double height) const {

@@ -5,7 +5,8 @@
 // or runs program code.
 #pragma once
 
-#include "platform/Form.h"
+#include "platform/Desktop.h"
+#include "platform/Stretch.h"
 
 #include <QImage>
 #include <QPainter>
@@ -15,33 +16,30 @@
 
 namespace quarnel {
 
-/// What lies under a form's controls: all of `Source`, to be stretched to `Width` x `Height` pixels of the form.
-struct PresentedFrame {
-    Surface Source;
-    int Width = 0;
-    int Height = 0;
-};
-
 class FormPainter {
   public:
-    /// The whole of `form`'s inner area of `size` pixels, with `ratio` pixels of the display for each. The image is
-    /// valid until the next call.
-    const QImage& Paint(const Form& form, const QSize& size, double ratio);
+    /// The whole of `form`'s inner area of `size` pixels, with `ratio` pixels of the display for each. Of the last
+    /// image, which was of the same size and ratio, only `part` need have changed. The image is valid until the next
+    /// call.
+    const QImage& Paint(const Form& form, const QSize& size, double ratio, const QRect& part);
 
-    /// Keeps a copy of the top-left `sourceWidth` x `sourceHeight` of `source`.
-    void SetFrame(const Surface& source, int sourceWidth, int sourceHeight, int width, int height);
+    /// Keeps a copy of what lies under a form's controls. Returns the form's pixels that it changes.
+    QRect SetFrame(const Surface& frame, const FrameView& view, const Rectangle& changed);
 
   private:
     // A picture and the size it was stretched to. The reference keeps the picture alive, and so its address unique.
     using StretchKey = std::tuple<PictureRef, int, int>;
 
-    void PaintFrame(QPainter& painter);
+    void PaintFrame(QPainter& painter, const QRect& clip);
     void PaintChildren(QPainter& painter, const Control& parent, double left, double top, const QRect& clip);
     void PaintControl(QPainter& painter, const Control& control, const QRect& box);
     const QImage& StretchedPicture(const PictureRef& picture, int width, int height);
     QRect DeviceBox(double left, double top, double width, double height) const;
 
-    PresentedFrame frame_;
+    Surface frame_; // as `view_` says
+    FrameView view_;
+    Rectangle unstretched_; // of the frame: what the stretched one does not show yet
+    Stretcher stretchedFrame_;
     double ratio_ = 1;
     QImage image_;
     std::map<StretchKey, QImage> stretched_;

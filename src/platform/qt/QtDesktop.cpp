@@ -5,6 +5,7 @@
 #include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/Fonts.h"
+#include "platform/qt/FormMenuBar.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/Libraries.h"
 #include "platform/qt/SettingsFile.h"
@@ -13,8 +14,9 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QFileDialog>
-#include <QMenu>
+#include <QScreen>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QUrl>
 #include <QWindow>
 
@@ -53,6 +55,7 @@ class QtDesktop : public Desktop, private FormObserver {
 
     bool PeekEvent() override;
     void WaitEvent() override;
+    void WaitEventFor(std::uint32_t mostMs) override;
     void ProcessEvents() override;
     std::uint32_t TickCount() override;
     std::optional<Text> EnvironmentValue(const std::string& name) override;
@@ -63,7 +66,8 @@ class QtDesktop : public Desktop, private FormObserver {
     void MoveForm(Form& form) override;
     Size InnerSize(Form& form) override;
     Size OuterSize(Form& form) override;
-    void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width, int height) override;
+    void Present(Form& form, const Surface& frame, const FrameView& view, const Rectangle& changed) override;
+    std::uint32_t PictureMs() override;
     Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) override;
     void DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) override;
     std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) override;
@@ -95,6 +99,9 @@ class QtDesktop : public Desktop, private FormObserver {
     void ControlChanged(Control& control) override;
     void MenuChanged(MenuItem& item) override;
     static void Pump(QEventLoop::ProcessEventsFlags flags);
+    static void ClosePopups();
+    bool MenuIsOpen() const;
+    void HoldForMenu();
     FormWindow* WindowOf(Form& form) const;
     void BlockAllBut(const Form* form);
     void TakeKeysBack();
@@ -134,18 +141,54 @@ void QtDesktop::Pump(QEventLoop::ProcessEventsFlags flags) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+// While a menu of the main window is open, the program stays inside processing, as it would stay inside the menu's own
+// loop on a desktop that has one: the game does not move under the pointer, and a command finds it as it was when the
+// menu was opened.
+
+bool QtDesktop::MenuIsOpen() const {
+    const QWidget* widget = QApplication::activePopupWidget();
+    while (widget != nullptr && qobject_cast<const FormMenuBar*>(widget) == nullptr) widget = widget->parentWidget();
+    return widget != nullptr && widget->window() == mainWindow_;
+}
+
+void QtDesktop::ClosePopups() {
+    while (QWidget* popup = QApplication::activePopupWidget()) {
+        if (!popup->close()) break;
+    }
+}
+
+// A command can come from elsewhere than the open menu, from a screen reader for example, and then closes it.
+void QtDesktop::HoldForMenu() {
+    if (!MenuIsOpen()) return;
+    while (MenuIsOpen() && !queue_.HasCommand()) Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    ClosePopups();
+    // The menu has had the pointer, and with it the release of a button that was held when it opened.
+    for (const auto& [form, window] : windows_) window->Canvas().CatchUpWithButtons();
+}
+
 bool QtDesktop::PeekEvent() {
     Pump(QEventLoop::AllEvents);
-    return !queue_.Empty();
+    return !queue_.Empty() || MenuIsOpen();
 }
 
 void QtDesktop::WaitEvent() {
-    while (queue_.Empty()) Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    while (queue_.Empty() && !MenuIsOpen()) Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+}
+
+void QtDesktop::WaitEventFor(std::uint32_t mostMs) {
+    bool over = false;
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, [&over] { over = true; });
+    timer.start(static_cast<int>(mostMs));
+    while (queue_.Empty() && !MenuIsOpen() && !over) Pump(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void QtDesktop::ProcessEvents() {
     do {
         Pump(QEventLoop::AllEvents);
+        HoldForMenu();
     } while (queue_.DeliverNext());
 }
 
@@ -197,10 +240,7 @@ QtDesktop::Modality::Modality(QtDesktop& desktop, Form& form) : desktop_(desktop
     desktop_.queue_.EnterModal(form);
     desktop_.modal_.push_back(&form);
     desktop_.BlockAllBut(&form);
-    // An open menu would keep the pointer to itself.
-    while (QWidget* popup = QApplication::activePopupWidget()) {
-        if (!popup->close()) break;
-    }
+    ClosePopups(); // they would keep the pointer to themselves
 }
 
 QtDesktop::Modality::~Modality() {
@@ -260,8 +300,14 @@ Size QtDesktop::OuterSize(Form& form) {
 
 // Drawing.
 
-void QtDesktop::Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width, int height) {
-    if (FormWindow* window = WindowOf(form)) window->Canvas().Present(frame, sourceWidth, sourceHeight, width, height);
+void QtDesktop::Present(Form& form, const Surface& frame, const FrameView& view, const Rectangle& changed) {
+    if (FormWindow* window = WindowOf(form)) window->Canvas().Present(frame, view, changed);
+}
+
+std::uint32_t QtDesktop::PictureMs() {
+    const QScreen* screen = mainWindow_ != nullptr ? mainWindow_->screen() : QGuiApplication::primaryScreen();
+    const double perSecond = screen != nullptr ? screen->refreshRate() : 0;
+    return perSecond >= 1 ? static_cast<std::uint32_t>(std::lround(1000 / perSecond)) : 0;
 }
 
 Size QtDesktop::MeasureText(const Text& text, const FontChoice& font, int wrapWidth) {

@@ -103,6 +103,11 @@ void ScriptedDesktop::WaitEvent() {
     }
 }
 
+void ScriptedDesktop::WaitEventFor(std::uint32_t mostMs) {
+    if (LogEvents) Note("wait " + std::to_string(mostMs));
+    if (queue_.Empty()) NowMs += mostMs;
+}
+
 void ScriptedDesktop::ProcessEvents() {
     if (LogEvents) Note("process");
     if (const auto before = BeforeProcess) before();
@@ -175,14 +180,16 @@ Size ScriptedDesktop::OuterSize(Form& form) {
     return {RoundHalfEven(form.OuterWidth / TwipsPerPixel), RoundHalfEven(form.OuterHeight / TwipsPerPixel)};
 }
 
-void ScriptedDesktop::Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width,
-                              int height) {
+void ScriptedDesktop::Present(Form& form, const Surface& frame, const FrameView& view, const Rectangle& changed) {
     Presented& presented = Frames[&form];
-    presented.Frame = Surface(sourceWidth, sourceHeight);
-    BitBlt(presented.Frame, 0, 0, sourceWidth, sourceHeight, frame, 0, 0, RasterOp::SrcCopy);
-    presented.Stretched = {width, height};
+    const bool known = presented.View == view;
+    if (!known) presented.Frame = Surface(view.SourceWidth, view.SourceHeight);
+    const Rectangle part = known ? changed : Rectangle{0, 0, view.SourceWidth, view.SourceHeight};
+    BitBlt(presented.Frame, part.Left, part.Top, part.Right - part.Left, part.Bottom - part.Top, frame, part.Left,
+           part.Top, RasterOp::SrcCopy);
+    presented.View = view;
     ++presented.Count;
-    Note("present " + std::to_string(width) + "x" + std::to_string(height));
+    Note("present " + std::to_string(view.Width) + "x" + std::to_string(view.Height));
 }
 
 Size ScriptedDesktop::MeasureText(const Text& text, const FontChoice& font, int wrapWidth) {

@@ -2,7 +2,8 @@
 //
 // A test pushes events (Click, Press, ...) and steps: each time the program waits with nothing queued,
 // the next step of Script runs and may push more. When the program waits and the script is over,
-// ScriptEnded is thrown through the program, which ends it. The clock moves only when it is read.
+// ScriptEnded is thrown through the program, which ends it. The clock moves only when it is read, and to the end of a
+// wait that has one.
 // Text is drawn as a filled box per character, so that pictures can be compared on every machine.
 #pragma once
 
@@ -30,6 +31,7 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     std::function<void()> BeforeProcess;      ///< runs at the start of each ProcessEvents()
     std::uint32_t NowMs = 1000;               ///< the clock
     std::uint32_t TickStepMs = 10;            ///< how far each reading moves it
+    std::uint32_t FrameMs = 0;                ///< how long the display shows a picture
     std::map<std::string, Text> Environment;
     std::map<std::string, Text> Settings;                           ///< "application/section/key" in small letters
     std::map<Text, std::map<std::string, void*>> Libraries;         ///< what LoadLibrary finds: exports by name
@@ -42,8 +44,8 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     std::vector<std::string> Log; ///< "peek", "wait", "process", "present 366x366", "beep", "show FrmMsg", ...
     bool LogEvents = false;       ///< whether peek, wait and process go into the log
     struct Presented {
-        Surface Frame; ///< the part that was stretched, unstretched
-        Size Stretched;
+        Surface Frame; ///< the part that was stretched, unstretched; unchanged where a present left it out
+        FrameView View;
         int Count = 0; ///< how many so far
     };
     std::map<const Form*, Presented> Frames;
@@ -67,6 +69,7 @@ class ScriptedDesktop : public Desktop, private FormObserver {
 
     bool PeekEvent() override;
     void WaitEvent() override;
+    void WaitEventFor(std::uint32_t mostMs) override;
     void ProcessEvents() override;
     std::uint32_t TickCount() override;
     std::optional<Text> EnvironmentValue(const std::string& name) override;
@@ -77,7 +80,8 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     void MoveForm(Form& form) override;
     Size InnerSize(Form& form) override;
     Size OuterSize(Form& form) override;
-    void Present(Form& form, const Surface& frame, int sourceWidth, int sourceHeight, int width, int height) override;
+    void Present(Form& form, const Surface& frame, const FrameView& view, const Rectangle& changed) override;
+    std::uint32_t PictureMs() override { return FrameMs; }
     Size MeasureText(const Text& text, const FontChoice& font, int wrapWidth) override;
     void DrawText(Surface& target, int x, int y, const Text& text, const FontChoice& font, Colour colour) override;
     std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) override;
