@@ -143,7 +143,7 @@ bool GameFiles::ReadRecord() {
         if (!Field<Failure>(fields, 2).empty()) row[2] = fields[2];
     }
     const auto plies = ToInteger16(2 * rows);
-    if (!plies) throw Failure();
+    if (!plies || rows == 0) throw Failure(); // a header alone is no game, whatever its fields are
     state_.PlyCount = *plies;
     if (Field<Failure>(fields, 2).empty()) --state_.PlyCount;
     return true;

@@ -85,6 +85,8 @@ TEST_F(GameRecords, DamagedOnesEndInTheirMessage) {
         {"", true, Failed},
         {"\r\n1.\te4\te5\r\n", true, Failed},
         {Header, false, Failed},
+        {"\tWhite(You)\tBlack\t\r\n", false, Failed},
+        {"\tWhite(You)\tBlack\t1\r\n", false, Failed},
         {Header + "1.\te4\te5\r\n\r\n", false, Failed},
         {Header + "1.\te4\r\n", false, Failed},
         {Header + "1.\te4\te5\r\n3.\tNf3\tNc6\r\n", false, "File corrupted. Illegal move  "},
