@@ -2,6 +2,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/EventQueue.h"
+#include "platform/posix/PlainFiles.h"
 #include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/Fonts.h"
@@ -70,6 +71,12 @@ class QtDesktop : public Desktop, private FormObserver {
     std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) override;
     void Beep() override;
     void OpenAddress(const Text& address) override;
+    std::optional<std::string> ReadFile(const std::filesystem::path& path, std::size_t mostBytes) override {
+        return ReadPlainFile(path, mostBytes);
+    }
+    bool StoreFile(const std::filesystem::path& path, std::string_view bytes) override {
+        return StorePlainFile(path, bytes);
+    }
     Text ReadSetting(const Text& application, const Text& section, const Text& key, const Text& defaultValue) override;
     void WriteSetting(const Text& application, const Text& section, const Text& key, const Text& value) override;
     LibraryHandle LoadLibrary(const Text& name) override { return libraries_.Load(name); }
