@@ -75,7 +75,8 @@ class Desktop {
     // The user's desktop.
 
     /// The path that the user chose, nothing when the dialog was cancelled or failed. Lets all files
-    /// be chosen ("All Files (*.*)").
+    /// be chosen ("All Files (*.*)"). Opens in the folder of the file that was chosen last, at first in
+    /// that of the user's documents, else in the user's home.
     virtual std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) = 0;
     virtual std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) = 0;
     virtual void Beep() = 0;
