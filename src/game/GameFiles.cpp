@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "notation/GameRecord.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quarnel {
@@ -13,7 +14,7 @@ namespace {
 
 constexpr TextView SaveTitle = u"Enter a file name of your game to save.";
 constexpr TextView LoadTitle = u"Enter a file name of your game to load.";
-constexpr std::size_t LongestLine = std::size_t{64} << 20; // bytes; memory must not run out on a strange file
+constexpr std::size_t MostBytes = std::size_t{64} << 20; // memory must not run out on a strange file
 
 std::filesystem::path WithoutBlanksAround(const std::filesystem::path& path) {
     auto name = path.native(); // in the file system's own characters, whatever they are
@@ -23,25 +24,15 @@ std::filesystem::path WithoutBlanksAround(const std::filesystem::path& path) {
     return name;
 }
 
-// The next line without its end, which is CR LF, LF or CR; nothing at the end of the file.
-template <class Failure>
-std::optional<std::string> ReadLine(std::fstream& file) {
-    using Traits = std::fstream::traits_type;
-    if (!file.is_open()) throw Failure();
-    std::streambuf& bytes = *file.rdbuf();
-    std::string line;
-    bool any = false;
-    for (auto c = bytes.sbumpc(); c != Traits::eof(); c = bytes.sbumpc()) {
-        any = true;
-        if (c == '\n') return line;
-        if (c == '\r') {
-            if (bytes.sgetc() == '\n') bytes.sbumpc();
-            return line;
-        }
-        if (line.size() == LongestLine) throw Failure();
-        line += Traits::to_char_type(c);
-    }
-    return any ? std::optional(line) : std::nullopt;
+// The line that begins at `next`, without its end, which is CR LF, LF or CR; `next` then stands behind that. Nothing at
+// the end of the bytes.
+std::optional<std::string_view> NextLine(std::string_view bytes, std::size_t& next) {
+    if (next == bytes.size()) return std::nullopt;
+    bytes.remove_prefix(next);
+    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
+    bytes.remove_prefix(line.size());
+    next += line.size() + std::min<std::size_t>(bytes.size(), bytes.starts_with("\r\n") ? 2 : 1);
+    return line;
 }
 
 template <class Failure>
@@ -56,14 +47,8 @@ std::filesystem::path GameFiles::ShowFileDialog(bool save, const Text& title) {
     const auto answer = save ? desktop_.SaveFileDialog(frmBoard_, title) : desktop_.OpenFileDialog(frmBoard_, title);
     if (!answer) throw Failure();
     std::filesystem::path path = WithoutBlanksAround(*answer);
-    if (path.empty() || std::filesystem::is_directory(path)) throw Failure();
+    if (path.empty()) throw Failure();
     return path;
-}
-
-void GameFiles::Open(const std::filesystem::path& path, std::ios::openmode mode) {
-    file_ = std::fstream();
-    file_.open(path, mode | std::ios::binary);
-    if (!file_) throw Failure();
 }
 
 void GameFiles::SaveGame() {
@@ -74,8 +59,9 @@ void GameFiles::SaveGame() {
             messages_.MsgBoxXP(u"There are no moves. Nothing to save.");
             return;
         }
-        Open(ShowFileDialog(true, Text(SaveTitle)), std::ios::out | std::ios::trunc);
-        WriteRecord(plies, lines);
+        const auto path = ShowFileDialog(true, Text(SaveTitle));
+        record_.reset();
+        if (!desktop_.StoreFile(path, RecordBytes(plies, lines))) throw Failure();
     } catch (const Failure&) {
         Fail();
     } catch (const std::exception&) {
@@ -83,24 +69,28 @@ void GameFiles::SaveGame() {
     }
 }
 
-void GameFiles::WriteRecord(int plies, int lines) {
-    const auto write = [&](const Text& line) { file_ << desktop_.ToBytes(line) << "\r\n"; };
+std::string GameFiles::RecordBytes(int plies, int lines) {
+    std::string bytes;
+    const auto write = [&](const Text& line) { bytes += desktop_.ToBytes(line) + "\r\n"; };
     write(RecordHeader(state_.ComputerColor == Black));
     for (int i = 1; i <= lines; ++i) {
         const HistoryRow& row = state_.MoveText.at(static_cast<std::size_t>(i));
         const bool onlyWhite = i == lines && plies % 2 == 1;
         write(RecordLine(i, row[1], onlyWhite ? Text() : row[2]));
     }
-    file_.close();
-    if (!file_) throw Failure();
+    return bytes;
 }
 
 void GameFiles::LoadGame() {
     bool inSequence = true;
     try {
-        Open(ShowFileDialog(false, Text(LoadTitle)), std::ios::in);
+        const auto path = ShowFileDialog(false, Text(LoadTitle));
+        record_.reset();
+        auto bytes = desktop_.ReadFile(path, MostBytes);
+        if (!bytes) throw Failure();
+        record_ = OpenRecord{std::move(*bytes)};
         inSequence = ReadRecord();
-        file_.close();
+        record_.reset();
     } catch (const Failure&) {
         Fail();
         return;
@@ -116,8 +106,10 @@ void GameFiles::LoadGame() {
 }
 
 std::optional<std::vector<Text>> GameFiles::ReadFields() {
-    const auto line = ReadLine<Failure>(file_);
+    if (!record_) throw Failure();
+    const auto line = NextLine(record_->Bytes, record_->Next);
     if (!line) return std::nullopt;
+    if (record_->Next == MostBytes) throw Failure(); // where the rest was not read
     return RecordFields(desktop_.FromBytes(*line));
 }
 
@@ -143,14 +135,14 @@ bool GameFiles::ReadRecord() {
         if (!Field<Failure>(fields, 2).empty()) row[2] = fields[2];
     }
     const auto plies = ToInteger16(2 * rows);
-    if (!plies) throw Failure();
+    if (!plies || rows == 0) throw Failure(); // a header alone is no game, whatever its fields are
     state_.PlyCount = *plies;
     if (Field<Failure>(fields, 2).empty()) --state_.PlyCount;
     return true;
 }
 
 void GameFiles::Fail() {
-    file_ = std::fstream();
+    record_.reset();
     messages_.MsgBoxXP(u"Error!");
 }
 

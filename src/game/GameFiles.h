@@ -9,7 +9,6 @@
 #include "game/Navigation.h"
 
 #include <filesystem>
-#include <fstream>
 #include <optional>
 
 namespace quarnel {
@@ -21,7 +20,7 @@ class GameFiles {
         : state_(state), panel_(panel), steps_(steps), renderer_(renderer), messages_(messages), frmBoard_(frmBoard),
           desktop_(desktop) {}
 
-    /// Writes the plies up to PlyNow. On a failure the file may be left partly written.
+    /// Writes the plies up to PlyNow. A failure leaves the file as it was.
     void SaveGame();
 
     /// Replaces the game with one read from a file. Failing before the first line was read leaves the
@@ -33,8 +32,7 @@ class GameFiles {
     struct Failure {};
 
     std::filesystem::path ShowFileDialog(bool save, const Text& title);
-    void Open(const std::filesystem::path& path, std::ios::openmode mode);
-    void WriteRecord(int plies, int lines);
+    std::string RecordBytes(int plies, int lines);
     /// False when the record was out of sequence.
     bool ReadRecord();
     std::optional<std::vector<Text>> ReadFields();
@@ -50,9 +48,13 @@ class GameFiles {
     Form& frmBoard_;
     Desktop& desktop_;
 
-    // The one file open. A handler that saves or loads while a load redraws the board closes it, whatever comes
-    // of it, and the load under it then fails.
-    std::fstream file_;
+    struct OpenRecord {
+        std::string Bytes;
+        std::size_t Next = 0; ///< where the next line begins
+    };
+    // The one record open. A handler that saves or loads while a load redraws the board closes it, whatever comes of
+    // it, and the load under it then fails.
+    std::optional<OpenRecord> record_;
 };
 
 } // namespace quarnel

@@ -97,7 +97,7 @@ Position Navigation::ReplayToPly(int ply, Truth resync, Truth incremental) {
             ReplayText(position, GetMove(state_, i), last);
             position.SideToMove = Not(position.SideToMove);
         }
-        ShowPlyText(GetMove(state_, ply));
+        ShowPlyText(ply > 0 ? GetMove(state_, ply) : Text());
     }
     state_.LastMove = last;
     if (resync != False) control_.MarkResync();

@@ -16,7 +16,7 @@ constexpr int PlyColumn(int ply) {
     return IsEven(ply) ? 2 : 1;
 }
 
-/// The recorded text of ply `ply`.
+/// The recorded text of ply `ply`. Ply 0 is even and counts to the first row: it reads as ply 2.
 Text GetMove(const GameState& state, int ply);
 
 /// The alternative lines recorded at ply PlyNow + 1, and at ply `ply`.

@@ -15,6 +15,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace quarnel {
 
@@ -86,12 +87,22 @@ class Desktop {
     // The user's desktop.
 
     /// The path that the user chose, nothing when the dialog was cancelled or failed. Lets all files
-    /// be chosen ("All Files (*.*)").
+    /// be chosen ("All Files (*.*)"). Opens in the folder of the file that was chosen last, at first in
+    /// that of the user's documents, else in the user's home.
     virtual std::optional<std::filesystem::path> OpenFileDialog(Form& owner, const Text& title) = 0;
     virtual std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) = 0;
     virtual void Beep() = 0;
     /// Opens `address` in the user's browser; the result is not known.
     virtual void OpenAddress(const Text& address) = 0;
+
+    // Plain files, as a whole. Pipes, devices and the like are refused at once, so neither call waits for another
+    // program.
+
+    /// The file's first bytes, `mostBytes` at most; nothing when it is none that can be read.
+    virtual std::optional<std::string> ReadFile(const std::filesystem::path& path, std::size_t mostBytes) = 0;
+    /// Puts `bytes` in the place of what the file holds, or makes it. True once they are on the disk; false leaves the
+    /// old file as it was, and nothing beside it. Links, mode and owner stay.
+    virtual bool StoreFile(const std::filesystem::path& path, std::string_view bytes) = 0;
 
     // Settings of this user, texts under application, section and key (letter case aside). What one program stores, no
     // other one that runs beside it takes away.

@@ -43,7 +43,8 @@ const std::string Engine = "quarnelchess/"; // includes there start with it; in 
 
 // Back ends bring the headers of their toolkit and their system; only main() and they may name them.
 bool IsBackEnd(const std::string& path) {
-    return path.starts_with("src/platform/qt/") || path.starts_with("src/platform/win32/");
+    const auto isIn = [&](const char* folder) { return path.starts_with(std::string("src/platform/") + folder); };
+    return isIn("qt/") || isIn("posix/") || isIn("win32/");
 }
 
 // "src/model" of "src/model/Rules.h".

@@ -47,6 +47,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
         std::ofstream(Home / "xdg-open") << "#!/bin/sh\necho \"$1\" >>\"$HOME/opened\"\n";
         fs::permissions(Home / "xdg-open", fs::perms::owner_all);
         fs::current_path(Home);
+        fs::create_directory(DialogFolder);
         setenv("QUARNEL_COMMAND_LOG", "commands", 1);
         setenv("PATH", (Home.string() + ":" + std::getenv("PATH")).c_str(), 1);
         StartWith(Home / "quarnel-chess", "Level=0\nWsize=" + std::to_string(ZoomIndex) + "\n");
@@ -92,7 +93,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
             Plies.push_back(Plies.back());
             Plies.back().Make(engine::ReadSan(Plies.back(), san));
         }
-        std::ofstream("game.txt", std::ios::binary) << Records.back();
+        std::ofstream(DialogFolder / "game.txt", std::ios::binary) << Records.back();
         Choose({GameMenu, LoadItem});
         AnswerDialog(LoadTitle, "game.txt");
         Game = Plies.back();
@@ -193,8 +194,10 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
 
     void SaveAndCancel() {
         Choose({GameMenu, SaveItem});
-        AnswerDialog(SaveTitle, "saved.txt");
-        Await("the record", [&] { return Contents("saved.txt") == Records[Records.size() - 2]; });
+        DialogFolder = Home / "records"; // where the next one opens, too
+        std::filesystem::create_directory(DialogFolder);
+        AnswerDialog(SaveTitle, "../records/saved.txt");
+        Await("the record", [&] { return Contents(DialogFolder / "saved.txt") == Records[Records.size() - 2]; });
         for (const int item : {SaveItem, LoadItem}) {
             Choose({GameMenu, item});
             AnswerDialog(item == SaveItem ? SaveTitle : LoadTitle, "");
@@ -269,6 +272,7 @@ class EveryCommand : public PlayedProgram, public testing::WithParamInterface<st
     const int ZoomIndex = GetParam().first;
     const bool Black = GetParam().second;
     const Side& Me = Black ? AsBlack : AsWhite;
+    std::filesystem::path DialogFolder = Home / "Documents"; ///< not the one the program is started in
     std::size_t Listened = 0;
     std::vector<engine::Board> Plies; ///< of the loaded game, after each of its plies
     std::vector<std::string> Records; ///< and as it is saved there

@@ -8,7 +8,6 @@
 #include <functional>
 #include <random>
 
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,34 +91,20 @@ TEST_F(SettingsFileTest, DamagedLinesHideNothingElse) {
 
     std::mt19937 random(1);
     std::string garbage;
-    for (int i = 0; i < 2000000; ++i) garbage += static_cast<char>(random());
+    for (int i = 0; i < 1000000; ++i) garbage += static_cast<char>(random());
     Put(garbage);
     EXPECT_TRUE(File.Write(u"Settings", u"Level", u"1"));
     EXPECT_EQ(File.Read(u"Settings", u"Level"), u"1");
 }
 
 TEST_F(SettingsFileTest, WhatCannotBeStoredSaysSoAndChangesNothing) {
-    fs::create_directories(Path.parent_path());
-    mkfifo(Path.c_str(), 0600); // whoever opens it waits for another one
-    EXPECT_FALSE(File.Write(u"Settings", u"Level", u"1"));
-    EXPECT_EQ(File.Read(u"Settings", u"Level"), std::nullopt);
-    EXPECT_TRUE(fs::is_fifo(Path));
-    EXPECT_EQ(FilesInFolder(), 1);
-    fs::remove(Path);
     EXPECT_TRUE(File.Write(u"Settings", u"Level", u"1"));
     EXPECT_FALSE(File.Write(u"Settings", u"Level", Text(1 << 20, u'9')));
     EXPECT_EQ(File.Read(u"Settings", u"Level"), u"1");
-}
-
-TEST_F(SettingsFileTest, ALinkToTheFileStaysALink) {
-    Put("[Settings]\nPonder=-1\n");
-    const fs::path real = Path.parent_path() / "real.conf";
-    fs::rename(Path, real);
-    fs::create_symlink(real, Path);
-    EXPECT_TRUE(File.Write(u"Settings", u"Level", u"1"));
-    EXPECT_TRUE(fs::is_symlink(Path));
-    EXPECT_EQ(SettingsFile(real).Read(u"Settings", u"Level"), u"1");
-    EXPECT_EQ(SettingsFile(real).Read(u"Settings", u"Ponder"), u"-1");
+    const std::string strange = "[Settings]\nLevel=2\n";
+    Put(strange + std::string((1 << 20) - strange.size(), '#'));
+    EXPECT_FALSE(File.Write(u"Settings", u"Level", u"1"));
+    EXPECT_EQ(File.Read(u"Settings", u"Level"), std::nullopt);
 }
 
 TEST_F(SettingsFileTest, TwoProgramsKeepEachOthersKeys) {

@@ -1,8 +1,6 @@
 // Game records: their bytes, their two messages, and what survives each kind of failure.
 #include "support/ProgramFixture.h"
 
-#include <filesystem>
-#include <fstream>
 #include <random>
 
 namespace quarnel {
@@ -15,27 +13,18 @@ const std::string Header = "\tWhite(You)\tBlack\r\n";
 
 class GameRecords : public ProgramTest {
   protected:
-    GameRecords() : folder_(std::filesystem::temp_directory_path() / ("quarnel-" + std::to_string(::getpid()))) {
-        std::filesystem::create_directories(folder_);
-    }
-    ~GameRecords() override { std::filesystem::remove_all(folder_); }
-
-    std::filesystem::path Path(const std::string& name) { return folder_ / name; }
-    std::string Bytes() {
-        std::ifstream file(Path("saved"), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    const std::string& Bytes() { return Screen.Files["saved"]; }
     /// Answers the dialog with the file and any message with a click; the message.
-    std::string Save(const std::optional<std::filesystem::path>& path) { return Act(3, path); }
-    std::string Load(const std::optional<std::filesystem::path>& path) { return Act(4, path); }
+    std::string Save(const std::optional<std::string>& path = "saved") { return Act(3, path); }
+    std::string Load(const std::optional<std::string>& path) { return Act(4, path); }
     std::string LoadBytes(const std::string& bytes) {
-        std::ofstream(Path("given"), std::ios::binary) << bytes;
-        return Load(Path("given"));
+        Screen.Files["given"] = bytes;
+        return Load("given");
     }
     Lines Sent; ///< by the last of these
 
   private:
-    std::string Act(std::size_t item, const std::optional<std::filesystem::path>& path) {
+    std::string Act(std::size_t item, const std::optional<std::string>& path) {
         Screen.DialogAnswers = {path};
         std::string message;
         Screen.Script = {[&] {
@@ -46,24 +35,22 @@ class GameRecords : public ProgramTest {
         Screen.Script.clear();
         return message;
     }
-
-    std::filesystem::path folder_;
 };
 
 TEST_F(GameRecords, AreWrittenToTheByteUpToThePositionShown) {
     Exchange("e2", "e4", "e5");
     Exchange("g1", "f3", "Nc6");
-    EXPECT_EQ(Save(Path("saved")), "");
+    EXPECT_EQ(Save(), "");
     EXPECT_EQ(Bytes(), Header + "1.\te4\te5\r\n2.\tNf3\tNc6\r\n");
     ChooseMoves(BackOneItem);
-    EXPECT_EQ(Save(" " + Path("saved").string() + " "), ""); // blanks around the name do not count
+    EXPECT_EQ(Save("  saved "), ""); // blanks around the name do not count
     EXPECT_EQ(Bytes(), Header + "1.\te4\te5\r\n2.\tNf3\t\r\n");
     EXPECT_THAT(Screen.Log, testing::Contains("save Enter a file name of your game to save."));
 
     Choose(NewAsBlack());
     SayMove("e4");
     DragMove("e7", "e5");
-    EXPECT_EQ(Save(Path("saved")), ""); // while the engine thinks
+    EXPECT_EQ(Save(), ""); // while the engine thinks
     EXPECT_EQ(Bytes(), "\tWhite\tBlack(You)\r\n1.\te4\te5\r\n");
 }
 
@@ -85,10 +72,13 @@ TEST_F(GameRecords, DamagedOnesEndInTheirMessage) {
         {"", true, Failed},
         {"\r\n1.\te4\te5\r\n", true, Failed},
         {Header, false, Failed},
+        {"\tWhite(You)\tBlack\t\r\n", false, Failed},
+        {"\tWhite(You)\tBlack\t1\r\n", false, Failed},
         {Header + "1.\te4\te5\r\n\r\n", false, Failed},
         {Header + "1.\te4\r\n", false, Failed},
         {Header + "1.\te4\te5\r\n3.\tNf3\tNc6\r\n", false, "File corrupted. Illegal move  "},
-        {std::string(10'000'000, '\xFE'), false, Failed},
+        {std::string(1000, '\xFE'), false, Failed},
+        {Header + "1.\te4\te5\r\n2.\tNf3\t" + std::string(64 << 20, ' '), false, Failed},
         {tooManyLines, false, Failed}};
     // Where the game does not survive, a new one stands at the start position.
     for (const auto& [bytes, survives, message] : cases) {
@@ -109,11 +99,11 @@ TEST_F(GameRecords, AnIllegalMoveIsSkippedWithoutAMessage) {
 TEST_F(GameRecords, FailuresOfDialogPathAndEmptyGameSayWhich) {
     EXPECT_EQ(Save(std::nullopt), "There are no moves. Nothing to save.  ");
     Exchange("e2", "e4", "e5");
-    for (const auto& path :
-         {std::optional<std::filesystem::path>(), {Path("no/such/folder")}, {Path("")}, {"/dev/full"}}) {
-        EXPECT_EQ(Save(path), Failed);
-    }
-    for (const auto& path : {std::optional<std::filesystem::path>(), {Path("missing")}}) EXPECT_EQ(Load(path), Failed);
+    for (const auto& path : {std::optional<std::string>(), {""}, {"  "}}) EXPECT_EQ(Save(path), Failed);
+    EXPECT_TRUE(Screen.Files.empty());
+    Screen.StoresFail = true;
+    EXPECT_EQ(Save(), Failed);
+    for (const auto& path : {std::optional<std::string>(), {"missing"}}) EXPECT_EQ(Load(path), Failed);
     EXPECT_EQ(State().PlyNow, 2);
 }
 
@@ -125,7 +115,7 @@ TEST_F(GameRecords, TheDrawTokenRoundTripsInTheCentralEuropeanCodePage) {
     EXPECT_EQ(State().MoveText[1][2], u"\u02DD-\u02DD");
     EXPECT_EQ(State().PlyNow, 1); // never on the result
     State().PlyNow = 2;
-    EXPECT_EQ(Save(Path("saved")), "");
+    EXPECT_EQ(Save(), "");
     EXPECT_EQ(Bytes(), record);
 }
 
@@ -164,8 +154,8 @@ TEST_F(GameRecords, RoundTripWithEveryPosition) {
             position.SideToMove = Not(position.SideToMove);
             positions.push_back(Fen());
         }
-        ASSERT_EQ(Save(Path("saved")), "");
-        ASSERT_EQ(Load(Path("saved")), "");
+        ASSERT_EQ(Save(), "");
+        ASSERT_EQ(Load("saved"), "");
         for (std::size_t ply = 0; ply < positions.size(); ++ply) {
             State().CurPos = Game->Steps.ReplayToPly(static_cast<int>(ply), False, False);
             ASSERT_EQ(Fen(), positions[ply]) << "game " << game << ", ply " << ply;

@@ -18,6 +18,13 @@ TEST(History, AlternativeLinesAreKeptByPly) {
     EXPECT_EQ(GetVariation(state), u"d4 c5") << "of the next ply";
 }
 
+TEST(History, APlyOutsideTheTableIsEmptyAndPlyZeroTheSecondCellOfItsFirstRow) {
+    GameState state;
+    state.MoveText.push_back({u"1.", u"e4", u"e5"});
+    const std::pair<int, TextView> cases[] = {{-9, u""}, {-1, u""}, {0, u"e5"}, {1, u"e4"}, {2, u"e5"}, {3, u""}};
+    for (const auto& [ply, text] : cases) EXPECT_EQ(GetMove(state, ply), text) << ply;
+}
+
 TEST(SameMove, CastlingGoesByItsKindAndOtherMovesByEveryByte) {
     const MoveRec castle{5, 8, 0, 0, KingSide, 0, 0, 0};
     EXPECT_TRUE(IsSameMove(castle, MoveRec{5, 1, 7, 1, KingSide, 3, 2, 1}));

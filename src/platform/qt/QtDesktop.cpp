@@ -2,6 +2,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/EventQueue.h"
+#include "platform/posix/PlainFiles.h"
 #include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/Fonts.h"
@@ -12,8 +13,10 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
@@ -74,6 +77,12 @@ class QtDesktop : public Desktop, private FormObserver {
     std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) override;
     void Beep() override;
     void OpenAddress(const Text& address) override;
+    std::optional<std::string> ReadFile(const std::filesystem::path& path, std::size_t mostBytes) override {
+        return ReadPlainFile(path, mostBytes);
+    }
+    bool StoreFile(const std::filesystem::path& path, std::string_view bytes) override {
+        return StorePlainFile(path, bytes);
+    }
     Text ReadSetting(const Text& application, const Text& section, const Text& key, const Text& defaultValue) override;
     void WriteSetting(const Text& application, const Text& section, const Text& key, const Text& value) override;
     LibraryHandle LoadLibrary(const Text& name) override { return libraries_.Load(name); }
@@ -105,6 +114,7 @@ class QtDesktop : public Desktop, private FormObserver {
     FormWindow* WindowOf(Form& form) const;
     void BlockAllBut(const Form* form);
     void TakeKeysBack();
+    QString DialogFolder() const;
     std::optional<std::filesystem::path> RunFileDialog(Form& owner, const Text& title, QFileDialog::AcceptMode mode);
 
     QApplication application_;
@@ -112,6 +122,7 @@ class QtDesktop : public Desktop, private FormObserver {
     std::map<const Form*, FormWindow*> windows_; ///< each is owned here and deletes itself after Forget()
     QWidget* mainWindow_ = nullptr;              ///< of the framed form that was attached first
     std::vector<const Form*> modal_;
+    QString dialogFolder_; ///< of the file chosen last; empty before the first
     SettingsFile settings_;
     Libraries libraries_;
     int codePage_;
@@ -326,9 +337,18 @@ void QtDesktop::DrawText(Surface& target, int x, int y, const Text& text, const 
 
 // The user's desktop.
 
+// Left to itself the toolkit would open a dialog in the folder that the program happened to be started from.
+QString QtDesktop::DialogFolder() const {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    for (const QString& folder : {dialogFolder_, documents, QDir::homePath()}) {
+        if (QFileInfo(folder).isDir()) return folder;
+    }
+    return QDir::rootPath();
+}
+
 std::optional<std::filesystem::path> QtDesktop::RunFileDialog(Form& owner, const Text& title,
                                                               QFileDialog::AcceptMode mode) {
-    QFileDialog dialog(WindowOf(owner), ToQString(title));
+    QFileDialog dialog(WindowOf(owner), ToQString(title), DialogFolder());
     dialog.setAcceptMode(mode);
     // It asks nothing of its own: a question would be the toolkit's modal box, under which no close comes through.
     dialog.setFileMode(QFileDialog::AnyFile);
@@ -349,6 +369,8 @@ std::optional<std::filesystem::path> QtDesktop::RunFileDialog(Form& owner, const
     }
     const QStringList files = dialog.selectedFiles();
     if (*result != QDialog::Accepted || files.isEmpty()) return std::nullopt;
+    const QString folder = QFileInfo(files.front()).absolutePath();
+    if (QFileInfo(folder).isDir()) dialogFolder_ = folder;
     return ToPath(files.front());
 }
 

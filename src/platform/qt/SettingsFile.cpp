@@ -1,8 +1,8 @@
 #include "platform/qt/SettingsFile.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
+#include "platform/posix/PlainFiles.h"
+
+#include <QString>
 
 #include <algorithm>
 #include <cerrno>
@@ -30,7 +30,7 @@ struct Entry {
     Text Value;
 };
 
-constexpr qint64 MostBytes = 1 << 20; ///< what lies beyond was not written by us
+constexpr std::size_t MostBytes = 1 << 20; ///< a file as long as this was not written by us
 constexpr std::chrono::milliseconds Patience{2000};
 constexpr TextView SpecialInNames = u"\\=[]#";
 constexpr TextView SpecialInValues = u"\\";
@@ -104,15 +104,12 @@ std::string Serialise(const std::vector<Entry>& entries) {
     return ToUtf8(text);
 }
 
-// The content of the file, empty where there is none; nothing when there is one that cannot be read. Anything but a
-// plain file is not even opened, because that might not return.
+// The content of the file, empty where there is none; nothing when there is one that cannot be ours.
 std::optional<std::string> ReadWhole(const fs::path& path) {
-    QFile file(QFile::decodeName(path.c_str()));
-    const QFileInfo info(file);
-    if (!info.exists()) return std::string();
-    if (!info.isFile() || !file.open(QFile::ReadOnly)) return std::nullopt;
-    const QByteArray bytes = file.read(MostBytes);
-    return file.error() == QFile::NoError ? std::optional(bytes.toStdString()) : std::nullopt;
+    std::error_code error;
+    const auto size = fs::file_size(path, error); // which pipes and folders have not
+    if (error == std::errc::no_such_file_or_directory) return std::string();
+    return error || size >= MostBytes ? std::nullopt : ReadPlainFile(path, MostBytes);
 }
 
 // The right to write in a folder, held by one program at a time. A folder without locks is everybody's.
@@ -134,8 +131,6 @@ class FolderLock {
     FolderLock& operator=(const FolderLock&) = delete;
 
     bool MayWrite() const { return mayWrite_; }
-    /// Lets what was renamed in the folder reach the disk.
-    void Sync() const { fsync(folder_); }
 
   private:
     int folder_;
@@ -157,11 +152,10 @@ std::optional<Text> SettingsFile::Read(const Text& section, const Text& key) con
 bool SettingsFile::Write(const Text& section, const Text& key, const Text& value) {
     std::error_code error;
     fs::create_directories(path_.parent_path(), error);
-    // A link to the file is followed, so that it stays a link.
-    const fs::path target = fs::weakly_canonical(path_, error);
+    const fs::path behindLinks = fs::weakly_canonical(path_, error);
     if (error) return false;
-    const FolderLock lock(target.parent_path());
-    const auto bytes = lock.MayWrite() ? ReadWhole(target) : std::nullopt;
+    const FolderLock lock(behindLinks.parent_path());
+    const auto bytes = lock.MayWrite() ? ReadWhole(path_) : std::nullopt;
     if (!bytes) return false;
 
     std::vector<Entry> entries = Parse(*bytes);
@@ -173,13 +167,7 @@ bool SettingsFile::Write(const Text& section, const Text& key, const Text& value
     entries.insert(isNew ? entries.end() : last.base(), {isNew ? section : last->Section, key, value});
 
     const std::string fresh = Serialise(entries);
-    if (fresh.size() > MostBytes) return false;
-    QSaveFile file(QFile::decodeName(target.c_str()));
-    if (!file.open(QSaveFile::WriteOnly) || file.write(fresh.data(), static_cast<qint64>(fresh.size())) < 0 ||
-        !file.commit())
-        return false;
-    lock.Sync();
-    return true;
+    return fresh.size() < MostBytes && StorePlainFile(path_, fresh);
 }
 
 } // namespace quarnel

@@ -1,9 +1,10 @@
 // The settings store as one small text file.
 //
 // Every read reads the file and every write replaces it as a whole, one writer after the other, so running programs
-// do not lose each other's keys and a crash leaves a whole file. Damaged lines are kept out of the result and
-// dropped by the next write. Nothing of a writer that was killed is in the way of the next one: the lock is the
-// system's and ends with its holder.
+// do not lose each other's keys and, where its folder lets it be replaced, a crash leaves a whole file. Damaged lines
+// are kept out of the result and dropped by the next write. Nothing of a writer that was killed is in the way of the
+// next one: the lock is the system's and ends with its holder. Anything but a plain file of less than 1 MB is left
+// alone.
 #pragma once
 
 #include "base/Text.h"

@@ -243,6 +243,16 @@ void ScriptedDesktop::OpenAddress(const Text& address) {
     Note("address " + ToUtf8(address));
 }
 
+std::optional<std::string> ScriptedDesktop::ReadFile(const std::filesystem::path& path, std::size_t mostBytes) {
+    const auto file = Files.find(path);
+    return file == Files.end() ? std::nullopt : std::optional(file->second.substr(0, mostBytes));
+}
+
+bool ScriptedDesktop::StoreFile(const std::filesystem::path& path, std::string_view bytes) {
+    if (!StoresFail) Files[path] = bytes;
+    return !StoresFail;
+}
+
 Text ScriptedDesktop::ReadSetting(const Text& application, const Text& section, const Text& key,
                                   const Text& defaultValue) {
     const auto value = Settings.find(SettingPath(application, section, key));

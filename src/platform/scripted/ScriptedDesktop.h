@@ -36,6 +36,8 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     std::map<std::string, Text> Settings;                           ///< "application/section/key" in small letters
     std::map<Text, std::map<std::string, void*>> Libraries;         ///< what LoadLibrary finds: exports by name
     std::deque<std::optional<std::filesystem::path>> DialogAnswers; ///< empty: cancelled
+    std::map<std::filesystem::path, std::string> Files;             ///< by the paths they are asked for
+    bool StoresFail = false;                                        ///< no file changes any more
     int CodePage = 1252;
     Size FrameBorder{10, 50}; ///< outer size minus inner size of a framed form
 
@@ -88,6 +90,8 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     std::optional<std::filesystem::path> SaveFileDialog(Form& owner, const Text& title) override;
     void Beep() override;
     void OpenAddress(const Text& address) override;
+    std::optional<std::string> ReadFile(const std::filesystem::path& path, std::size_t mostBytes) override;
+    bool StoreFile(const std::filesystem::path& path, std::string_view bytes) override;
     Text ReadSetting(const Text& application, const Text& section, const Text& key, const Text& defaultValue) override;
     void WriteSetting(const Text& application, const Text& section, const Text& key, const Text& value) override;
     LibraryHandle LoadLibrary(const Text& name) override;
