@@ -221,6 +221,12 @@ void ScriptedDesktop::DrawText(Surface& target, int x, int y, const Text& text, 
 
 std::optional<std::filesystem::path> ScriptedDesktop::AnswerDialog(const char* kind, const Text& title) {
     Note(std::string(kind) + ToUtf8(title));
+    // The dialog has a loop of its own, in which what the user did before finds the main window blocked.
+    Form dialog("file dialog", FormBorder::None);
+    queue_.EnterModal(dialog);
+    while (queue_.DeliverNext()) {
+    }
+    queue_.LeaveModal();
     if (DialogAnswers.empty()) return std::nullopt;
     auto answer = DialogAnswers.front();
     DialogAnswers.pop_front();
