@@ -247,6 +247,14 @@ TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
     Surface board(60, 30);
     TheDesktop->DrawText(board, 5, 4, u"Move", font, ColourWhite);
     EXPECT_EQ(board, expected);
+
+    // Nor does a label lose any of it, however many pixels a point the display has.
+    Caption.Caption = u"Quarnel Chess";
+    Caption.Font = FontChoice{u"Verdana", 8.25, false};
+    Caption.Width = TheDesktop->MeasureText(Caption.Caption, Caption.Font, 0).Width;
+    const QImage label = Canvas()->grab().toImage();
+    Caption.Width = 200;
+    EXPECT_EQ(label, Canvas()->grab().toImage());
 }
 
 TEST_F(QtDesktopTest, ALibraryMayBeReleasedUntilThatFails) {
@@ -304,7 +312,7 @@ TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncement) {
     EXPECT_EQ(FindNamed(window, "Press me"), nullptr);
 }
 
-// On a display with two pixels for each of the program's; run by itself with --scale=2.
+// On a display with two pixels for each of the program's.
 class SharpDisplayTest : public QtDesktopTest {};
 
 TEST_F(SharpDisplayTest, StretchesTheFrameAtTheDisplaysOwnResolution) {
@@ -329,7 +337,6 @@ TEST_F(SharpDisplayTest, StretchesTheFrameAtTheDisplaysOwnResolution) {
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     using namespace quarnel;
-    if (argc > 1 && std::string(argv[1]) == "--scale=2") setenv("QT_SCALE_FACTOR", "2", 1);
     TheDesktop = MakeQtDesktop(argc, argv);
     const int result = RUN_ALL_TESTS();
     TheDesktop.reset();

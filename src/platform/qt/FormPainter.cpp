@@ -119,8 +119,10 @@ void FormPainter::PaintControl(QPainter& painter, const Control& control, const 
     }
     if (control.Kind == ControlKind::Label) {
         painter.setPen(ToQColor(control.Enabled ? control.ForeColor.Get() : DisabledText));
-        DrawTextBox(painter, box, control.Caption, FontFor(control.Font, ratio_),
-                    {control.TextAlignment, control.WordWrap});
+        painter.scale(ratio_, ratio_);
+        const QRectF room(box.x() / ratio_, box.y() / ratio_, box.width() / ratio_, box.height() / ratio_);
+        DrawTextBox(painter, room, control.Caption, FontFor(control.Font), {control.TextAlignment, control.WordWrap});
+        painter.resetTransform();
     }
 }
 

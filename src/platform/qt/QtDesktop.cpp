@@ -275,7 +275,7 @@ void QtDesktop::DrawText(Surface& target, int x, int y, const Text& text, const 
     SetDotsPerInch(image);
     QPainter painter(&image);
     painter.setPen(ToQColor(colour));
-    DrawTextBox(painter, QRectF(x, y, target.Width(), target.Height()), text, FontFor(font, 1), {});
+    DrawTextBox(painter, QRectF(x, y, target.Width(), target.Height()), text, FontFor(font), {});
 }
 
 // The user's desktop.
