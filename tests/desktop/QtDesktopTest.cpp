@@ -97,9 +97,9 @@ class QtDesktopTest : public testing::Test {
         return User.WaitUntil([&] { return std::find(Log.begin(), Log.end(), entry) != Log.end(); });
     }
 
-    static QWidget* Canvas() {
+    static QWidget* Canvas(const char* title = "Sample") {
         for (QWidget* widget : QApplication::allWidgets()) {
-            const bool ours = widget->window()->windowTitle() == QLatin1String("Sample");
+            const bool ours = widget->window()->windowTitle() == QLatin1String(title);
             if (ours && widget->inherits("quarnel::FormCanvas")) return widget;
         }
         throw std::runtime_error("no canvas");
@@ -210,11 +210,13 @@ TEST_F(QtDesktopTest, ABoxIsCutToItsOutlineAndCarriedByItsTitle) {
     TheDesktop->ShowModal(Box);
     user.join();
     EXPECT_TRUE(carried);
+    const QImage painted = Canvas("Box")->window()->grab().toImage();
     for (const auto& [x, y] : {std::pair{7, 1}, {193, 1}, {5, 2}, {0, 3}, {199, 95}, {8, 96}, {191, 99}}) {
         EXPECT_EQ(picture.At(x, y), Box.BackColor) << x << "," << y;
     }
     for (const auto& [x, y] : {std::pair{100, 0}, {6, 1}, {194, 1}, {4, 2}, {199, 2}, {7, 96}, {192, 99}}) {
         EXPECT_NE(picture.At(x, y), Box.BackColor) << x << "," << y;
+        EXPECT_EQ(painted.pixelColor(x, y).alpha(), 0) << "for desktops that cut no windows";
     }
 }
 

@@ -42,7 +42,7 @@ int ToShift(Qt::KeyboardModifiers keys) {
 
 FormCanvas::FormCanvas(Form& form, EventQueue& queue, QWidget* parent) : QWidget(parent), form_(&form), queue_(queue) {
     setMouseTracking(true);
-    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_OpaquePaintEvent, form.Border == FormBorder::Framed);
 }
 
 void FormCanvas::Present(const Surface& source, int sourceWidth, int sourceHeight, int width, int height) {
@@ -71,7 +71,9 @@ void FormCanvas::paintEvent(QPaintEvent* event) {
     QImage image = *painted_;
     image.setDevicePixelRatio(ratio);
     QPainter painter(this);
-    painter.setClipRegion(event->region());
+    // Not every desktop cuts the window itself.
+    const QRegion outline = window()->mask();
+    painter.setClipRegion(outline.isEmpty() ? event->region() : event->region() & outline);
     painter.drawImage(0, 0, image);
 }
 

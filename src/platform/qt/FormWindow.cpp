@@ -41,6 +41,7 @@ FormWindow::FormWindow(Form& form, EventQueue& queue)
       canvas_(new FormCanvas(form, queue, this)) {
     setObjectName(QString::fromStdString(form.Name));
     setContextMenuPolicy(Qt::NoContextMenu);
+    setAttribute(Qt::WA_TranslucentBackground, form.Border == FormBorder::None);
     setWindowIcon(WindowIcon());
     setCentralWidget(canvas_);
     FollowForm();
