@@ -232,6 +232,26 @@ TEST_F(QtDesktopTest, AMenuShowsWhichItemsAreCheckedAndEnabled) {
     }
 }
 
+TEST_F(QtDesktopTest, TheMenuBarHasOneEdgeInEveryStyleAndRoomForItsTitlesInEveryWindow) {
+    auto* bar = Canvas()->window()->findChild<QMenuBar*>();
+    for (const char* style : {"windows", "fusion"}) {
+        QApplication::setStyle(QString::fromLatin1(style));
+        for (const int shade : {40, 240}) {
+            QApplication::setPalette(QPalette(QColor(shade, shade, shade)));
+            const QImage picture = bar->grab().toImage();
+            const int top = picture.height() - 4; // "Moves" has nothing so low
+            EXPECT_NE(picture.pixel(0, top + 3), picture.pixel(0, top + 2)) << style;
+            const QImage row = picture.copy(0, top, picture.width(), 4);
+            EXPECT_EQ(row, picture.copy(0, top, 1, 4).scaled(row.size())) << style;
+        }
+    }
+    Moves.Caption = Text(30, u'm');
+    Main.OuterWidth = 300 * 15;
+    TheDesktop->ProcessEvents();
+    const QRect title = bar->actionGeometry(bar->actions().front());
+    EXPECT_TRUE(title.width() > 200 && title.right() < 300) << title.right();
+}
+
 TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
     const FontChoice font{u"Tahoma", 8, false};
     const Size one = TheDesktop->MeasureText(u"Move", font, 0);
