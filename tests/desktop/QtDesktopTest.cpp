@@ -10,6 +10,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QCursor>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QWidget>
@@ -182,6 +183,13 @@ TEST_F(QtDesktopTest, ControlsLieOverTheFrameWithTheirEdgesRoundedOnce) {
     EXPECT_EQ(PixelAt(268, 336), Ground) << "a label has no background";
     Strip.Visible = false;
     EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(30, 330) == Ground; }));
+}
+
+TEST_F(QtDesktopTest, ALargerWindowHasItsGroundBeforeItIsPainted) {
+    Main.OuterWidth = 2.0 * InnerWidth * 15;
+    QCursor::pos(); // asks the server, after the new size
+    User.BetweenLooks = nullptr;
+    EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(2 * InnerWidth - 10, 100) == Main.BackColor; }));
 }
 
 TEST_F(QtDesktopTest, ABoxIsCutToItsOutlineAndCarriedByItsTitle) {

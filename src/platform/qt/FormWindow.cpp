@@ -6,11 +6,15 @@
 #include "platform/qt/Conversions.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QLayout>
 #include <QPixmap>
 #include <QScreen>
 #include <QWindow>
+#if QT_CONFIG(xcb)
+#include <xcb/xcb.h>
+#endif
 
 namespace quarnel {
 
@@ -32,6 +36,15 @@ Qt::WindowFlags FlagsFor(FormBorder border) {
     if (border == FormBorder::None) return Qt::Dialog | Qt::FramelessWindowHint;
     return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+}
+
+// What an X server shows of a window where nothing has been painted yet; elsewhere a window grows with its picture.
+void SetGround([[maybe_unused]] WId window, [[maybe_unused]] Colour colour) {
+#if QT_CONFIG(xcb)
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 == nullptr) return;
+    xcb_change_window_attributes(x11->connection(), static_cast<xcb_window_t>(window), XCB_CW_BACK_PIXEL, &colour);
+#endif
 }
 
 } // namespace
@@ -131,6 +144,14 @@ void FormWindow::PlaceAbove(QWidget* owner) {
     move(place.topLeft());
     create();
     if (above) windowHandle()->setTransientParent(owner->windowHandle());
+}
+
+bool FormWindow::event(QEvent* event) {
+    const bool framed = form_ != nullptr && form_->Border == FormBorder::Framed;
+    if (event->type() == QEvent::WinIdChange && framed && internalWinId() != 0) {
+        SetGround(internalWinId(), form_->BackColor);
+    }
+    return QMainWindow::event(event);
 }
 
 void FormWindow::closeEvent(QCloseEvent* event) {

@@ -40,6 +40,7 @@ class FormWindow : public QMainWindow {
     void Forget();
 
   protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
