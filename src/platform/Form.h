@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -146,6 +147,7 @@ class Control : public Element {
     Property<Alignment> TextAlignment{*this, Alignment::Left};
     Property<bool> WordWrap{*this, false};
     Property<Colour> BackColor{*this, Rgb(240, 240, 240)}; ///< of forms and picture boxes
+    Property<std::optional<Colour>> BorderColor{*this};    ///< of a line inside a picture box's edges, a pixel wide
     Property<Colour> ForeColor{*this, ColourBlack};        ///< of text
     Property<PictureRef> Image{*this};
     Property<bool> Stretch{*this, false}; ///< the picture fills the control; otherwise its own size from the corner

@@ -181,6 +181,9 @@ TEST_F(QtDesktopTest, ControlsLieOverTheFrameWithTheirEdgesRoundedOnce) {
     EXPECT_EQ(PixelAt(30, 340), Ground);
     EXPECT_EQ(PixelAt(29, 322), Rgb(0, 0, 255));
     EXPECT_EQ(PixelAt(268, 336), Ground) << "a label has no background";
+    Strip.BorderColor = ColourWhite;
+    EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(19, 320) == ColourWhite && PixelAt(114, 339) == ColourWhite; }));
+    EXPECT_TRUE(PixelAt(20, 321) == Strip.BackColor && PixelAt(113, 338) == Strip.BackColor);
     Strip.Visible = false;
     EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(30, 330) == Ground; }));
 }

@@ -117,6 +117,11 @@ void FormPainter::PaintControl(QPainter& painter, const Control& control, const 
         const int height = stretch ? box.height() : RoundHalfEven(picture->front().Height() * ratio_);
         if (width > 0 && height > 0) painter.drawImage(box.topLeft(), StretchedPicture(picture, width, height));
     }
+    if (const auto border = control.BorderColor.Get()) {
+        const int width = std::max(1, RoundHalfEven(ratio_));
+        const QRect inside = box.adjusted(width, width, -width, -width);
+        for (const QRect& side : QRegion(box) - inside) painter.fillRect(side, ToQColor(*border));
+    }
     if (control.Kind == ControlKind::Label) {
         painter.setPen(ToQColor(control.Enabled ? control.ForeColor.Get() : DisabledText));
         painter.scale(ratio_, ratio_);
