@@ -3,6 +3,7 @@
 // What the program's own window shows of it is left to the tests that use the program.
 #include "platform/qt/QtDesktop.h"
 
+#include "controls/MessageBox.h"
 #include "window/WindowDriver.h"
 
 #include <gmock/gmock.h>
@@ -13,10 +14,22 @@
 #include <QCursor>
 #include <QMenuBar>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QWidget>
 
 #include <sstream>
 #include <thread>
+
+// What screen readers are told. In the place of the toolkit's functions, which tell nobody where none listens.
+static std::vector<std::string> Told;
+bool QAccessible::isActive() {
+    return true;
+}
+void QAccessible::updateAccessibility(QAccessibleEvent* event) {
+    const QAccessibleInterface* part = event->accessibleInterface();
+    const char* state = event->type() != StateChanged ? "" : part->state().checked ? " on" : " off";
+    Told.push_back(part->text(Name).toStdString() + state);
+}
 
 namespace quarnel {
 namespace {
@@ -321,11 +334,11 @@ QAccessibleInterface* FindNamed(QAccessibleInterface* parent, const QString& nam
     return nullptr;
 }
 
-TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncement) {
-    Main.OnDescribe = [] {
-        return std::vector<AccessibleItem>{{u"e2, white pawn", 182, 264, 41, 41}, {u"e4, empty", 182, 182, 41, 41}};
-    };
-    Main.Announcement = u"White: e4";
+TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncementAndHearsOfTheirChanges) {
+    std::vector<AccessibleItem> items{{u"e2, white pawn", 182, 264, 41, 41}, {u"e4, empty", 182, 182, 41, 41}};
+    Main.OnDescribe = [&] { return items; };
+    Main.Announce(u"White: e4");
+    Strip.Signals = u"Your turn";
     QAccessibleInterface* const window = QAccessible::queryAccessibleInterface(Canvas()->window());
     const auto press = [&](const char* name) {
         QAccessibleInterface* part = FindNamed(window, QString::fromLatin1(name));
@@ -341,8 +354,37 @@ TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncement) {
     const Rectangle area = User.Area(Window).value_or(Rectangle());
     EXPECT_EQ(FindNamed(window, "e4, empty")->rect(), QRect(area.Left + 182, area.Top + MenuHeight() + 182, 41, 41));
     for (const char* name : {"Move: e4", "White: e4", "Moves"}) EXPECT_NE(FindNamed(window, name), nullptr) << name;
+
+    TheDesktop->ProcessEvents();
+    Told.clear();
+    std::swap(items[0].Name, items[1].Name);
     Strip.Visible = false;
+    Main.Announce(u"White: e4");
+    TheDesktop->ProcessEvents();
+    EXPECT_THAT(std::exchange(Told, {}), ElementsAre("Your turn off", "e4, empty", "e2, white pawn", "White: e4"));
     EXPECT_EQ(FindNamed(window, "Press me"), nullptr);
+    EXPECT_FALSE(FindNamed(window, "Your turn")->state().checked);
+    Caption.Caption = u"Move: e5";
+    Main.Announce(u"White: e4");
+    TheDesktop->ProcessEvents();
+    EXPECT_THAT(std::exchange(Told, {}), ElementsAre("Move: e5", "White: e4"));
+}
+
+TEST_F(QtDesktopTest, AScreenReaderFindsAMessageModalWithItsTitleOnceAndOneButton) {
+    MessageBox messages(*TheDesktop);
+    const std::function<std::string(QAccessibleInterface*)> names = [&](QAccessibleInterface* parent) {
+        const std::string name = parent->text(QAccessible::Name).toStdString();
+        std::string all = name.empty() ? "" : parent->role() == QAccessible::Button ? "[" + name + "]" : name + ".";
+        for (int i = 0; i < parent->childCount(); ++i) all += names(parent->child(i));
+        return all;
+    };
+    QTimer::singleShot(0, [&] {
+        QAccessibleInterface* box = QAccessible::queryAccessibleInterface(Canvas("Quarnel Chess")->window());
+        EXPECT_TRUE(box->role() == QAccessible::Dialog && box->state().modal);
+        EXPECT_EQ(names(box), "Quarnel Chess.Checkmate!  .[OK]Checkmate!  .");
+        FindNamed(box, "OK")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    });
+    EXPECT_EQ(messages.MsgBoxXP(u"Checkmate!"), 6);
 }
 
 // On a display with two pixels for each of the program's.

@@ -1,8 +1,10 @@
 #include "platform/qt/FormCanvas.h"
 
+#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QAbstractEventDispatcher>
+#include <QAccessible>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QHelpEvent>
@@ -18,6 +20,8 @@ namespace quarnel {
 namespace {
 
 using Action = FormPointerEvent::Action;
+
+constexpr QEvent::Type TellEvent = QEvent::User;
 
 constexpr std::pair<Qt::MouseButton, PointerButton> Buttons[] = {
     {Qt::LeftButton, PointerButton::Left},
@@ -53,6 +57,13 @@ void FormCanvas::Present(const Surface& source, int sourceWidth, int sourceHeigh
 void FormCanvas::Refresh() {
     painted_ = nullptr;
     update();
+    TellScreenReaders(false);
+}
+
+void FormCanvas::TellScreenReaders(bool announcement) {
+    if (!QAccessible::isActive()) return;
+    announces_ = announces_ || announcement;
+    if (!std::exchange(tells_, true)) QCoreApplication::postEvent(this, new QEvent(TellEvent));
 }
 
 void FormCanvas::Forget() {
@@ -159,6 +170,11 @@ void FormCanvas::CarryWindow() {
 }
 
 bool FormCanvas::event(QEvent* event) {
+    if (event->type() == TellEvent) {
+        tells_ = false;
+        TellChanges(*this, std::exchange(announces_, false));
+        return true;
+    }
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         if (ShowToolTip(help->pos(), help->globalPos())) return true;

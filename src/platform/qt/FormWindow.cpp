@@ -2,7 +2,6 @@
 
 #include "Pictures.h"
 #include "base/Numbers.h"
-#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QCloseEvent>
@@ -96,10 +95,6 @@ void FormWindow::FollowForm() {
     form_->Height = inner.Height;
     setFixedSize(std::max(1, outer.Width), std::max(1, outer.Height));
     FollowPosition();
-    if (followedAnnouncement_ != form_->Announcement.Get()) {
-        followedAnnouncement_ = form_->Announcement;
-        Announce(*canvas_, followedAnnouncement_);
-    }
     if (form_->Visible.Get() != isVisible()) setVisible(form_->Visible);
 }
 

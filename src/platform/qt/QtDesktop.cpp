@@ -94,6 +94,7 @@ class QtDesktop : public Desktop, private FormObserver {
 
     void ControlChanged(Control& control) override;
     void MenuChanged(MenuItem& item) override;
+    void Announced(Form& form) override;
     static void Pump(QEventLoop::ProcessEventsFlags flags);
     FormWindow* WindowOf(Form& form) const;
     void BlockAllBut(const Form* form);
@@ -191,6 +192,10 @@ void QtDesktop::ControlChanged(Control& control) {
 
 void QtDesktop::MenuChanged(MenuItem& item) {
     if (FormWindow* window = WindowOf(*Form::Of(item))) window->Follow(item);
+}
+
+void QtDesktop::Announced(Form& form) {
+    if (FormWindow* window = WindowOf(form)) window->Canvas().TellScreenReaders(true);
 }
 
 QtDesktop::Modality::Modality(QtDesktop& desktop, Form& form) : desktop_(desktop) {
