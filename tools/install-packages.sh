@@ -9,7 +9,7 @@ set -euo pipefail
 wanted=(
     build-essential         # compiler and linker
     cmake ninja-build       # the build
-    qt6-base-dev            # the desktop
+    qt6-base-dev libxcb1-dev # the desktop
     libpng-dev              # embedding the pictures, screenshots
     fonts-liberation fonts-dejavu-core fonts-dejavu-extra # the program's fonts
 )

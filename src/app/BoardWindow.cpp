@@ -56,6 +56,7 @@ void BoardWindow::AddControls() {
 
     Window.Add(Picture1);
     Picture1.BackColor = DialogColour;
+    Picture1.BorderColor = FrameColour;
     // In the middle at 100 %, for a start that applies no zoom.
     Picture1.Place(45, 52, PanelSize.Width, PanelSize.Height);
     Picture1.Add(Label1);

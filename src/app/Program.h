@@ -16,7 +16,7 @@ class Program {
   public:
     /// `desktop` must outlive the program.
     explicit Program(Desktop& desktop) : Screen(desktop) {
-        Board.Window.OnDescribe = [this] { return DescribeBoard(State); };
+        Board.Window.OnDescribe = [this] { return DescribeBoard(State, Controller); };
     }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;

@@ -63,7 +63,6 @@ FrmMsg::FrmMsg(Desktop& desktop)
 
 void FrmMsg::LoadDesign() {
     BackColor = DialogColour;
-    Announcement = Text();
     okHovered_ = false;
     Ok.Image = Ok_Static;
 
@@ -151,7 +150,7 @@ void ClsMain::Caption(const Text& caption) {
 void ClsMain::Prompt(const Text& prompt) {
     form_.lbl_Prompt.Caption = prompt;
     form_.FitToText(form_.lbl_Prompt);
-    form_.Announcement = prompt;
+    form_.Announce(prompt);
 }
 
 std::int32_t ClsMain::ShowMsg() {

@@ -20,7 +20,7 @@ Text PieceName(int piece) {
 
 } // namespace
 
-std::vector<AccessibleItem> DescribeBoard(const GameState& state) {
+std::vector<AccessibleItem> DescribeBoard(const GameState& state, const ControllerState& controller) {
     std::vector<AccessibleItem> items;
     items.reserve(64);
     for (int line = 1; line <= 8; ++line) {
@@ -28,7 +28,11 @@ std::vector<AccessibleItem> DescribeBoard(const GameState& state) {
             const Square square = Mirrored({column, line}, state.BoardFlipped);
             const PixelPoint corner = SquareCorner(square, state.BoardFlipped);
             const double z = state.Zoom;
-            items.push_back({SquareName(square) + u", " + PieceName(PieceAt(state.CurPos, square.File, square.Row)),
+            const int piece = PieceAt(state.CurPos, square.File, square.Row);
+            // After a move the selection only marks where it began; the opponent may have come there since.
+            const bool selected = square == Square{controller.SelFile, controller.SelRow} && piece != NoPiece &&
+                                  IsBlackPiece(piece) != state.ComputerColor;
+            items.push_back({SquareName(square) + u", " + PieceName(piece) + (selected ? u", selected" : u""),
                              corner.X * z, corner.Y * z, SquarePitch * z, SquarePitch * z});
         }
     }

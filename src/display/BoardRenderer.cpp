@@ -142,7 +142,7 @@ void BoardRenderer::MarkKingInCheck() {
 
 void BoardRenderer::ShowMoveText(const Text& text) {
     status_.mdis.Caption = u"Move: " + text;
-    frmBoard_.Announcement = status_.mdis.Caption;
+    frmBoard_.Announce(status_.mdis.Caption);
     if (LastCharacter(text) == u'#') {
         status_.Picture4[0].Visible = false;
         status_.Picture4[1].Visible = false;

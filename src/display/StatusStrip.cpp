@@ -13,6 +13,8 @@ StatusStrip::StatusStrip() {
     mdis.Caption = u"Welcome";
 
     for (Control& light : Picture4) light.BackColor = Rgb(128, 255, 128);
+    Picture4[0].Signals = u"Your turn";
+    Picture4[1].Signals = u"Computer's turn";
     LayOut(1);
 }
 

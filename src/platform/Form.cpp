@@ -70,6 +70,11 @@ void Form::AddMenu(MenuItem& menu) {
     menu.Changed();
 }
 
+void Form::Announce(Text text) {
+    announcement_ = std::move(text);
+    if (Observer != nullptr) Observer->Announced(*this);
+}
+
 void Form::Unload() {
     Visible = false;
     Loaded = false;

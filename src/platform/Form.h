@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +29,7 @@ class FormObserver {
     virtual ~FormObserver() = default;
     virtual void ControlChanged(Control& control) = 0;
     virtual void MenuChanged(MenuItem& item) = 0;
+    virtual void Announced(Form& form) = 0;
 };
 
 /// A thing with properties.
@@ -133,10 +135,12 @@ class Control : public Element {
     Property<bool> Enabled{*this, true}; ///< a disabled control takes no pointer input; its text is greyed
     Property<Text> Caption{*this};
     Property<Text> ToolTip{*this};
+    Property<Text> Signals{*this}; ///< of a light: what it says while it is visible, for screen readers
     Property<FontChoice> Font{*this};
     Property<Alignment> TextAlignment{*this, Alignment::Left};
     Property<bool> WordWrap{*this, false};
     Property<Colour> BackColor{*this, Rgb(240, 240, 240)}; ///< of forms and picture boxes
+    Property<std::optional<Colour>> BorderColor{*this};    ///< of a line inside a picture box's edges, a pixel wide
     Property<Colour> ForeColor{*this, ColourBlack};        ///< of text
     Property<PictureRef> Image{*this};
     Property<bool> Stretch{*this, false}; ///< the picture fills the control; otherwise its own size from the corner
@@ -231,8 +235,11 @@ class Form : public Control {
 
     /// What AccessibleItem lists, asked anew each time; empty when unset. Must not change anything.
     std::function<std::vector<AccessibleItem>()> OnDescribe;
-    /// What was last announced: the text a screen reader should speak when it changes.
-    Property<Text> Announcement{*this};
+    /// Lets a screen reader speak `text`, the same as the last time or not. Of texts that come before events are
+    /// processed only the last is spoken.
+    void Announce(Text text);
+    /// What was last announced.
+    const Text& Announcement() const { return announcement_; }
 
     /// Takes the window off the screen and ends a modal show of it.
     void Unload();
@@ -248,6 +255,7 @@ class Form : public Control {
 
   private:
     std::vector<MenuItem*> menus_;
+    Text announcement_;
 };
 
 } // namespace quarnel

@@ -38,7 +38,9 @@ TEST_F(MainWindow, OpensWithItsMenusAndItsTitle) {
     EXPECT_EQ(Game->Board.Moves.poke[0].ToolTip.Get(), u"Back to start");
     EXPECT_EQ(Screen.InnerSize(Window()), (Size{361, 362}));
     DragMove("e2", "e4");
-    EXPECT_EQ(Window().Announcement.Get(), u"Move: e4");
+    Choose(NewAsWhite());
+    Choose(NewAsWhite());
+    EXPECT_THAT(Screen.Spoken, testing::ElementsAre(u"Move: e4", u"Move: none", u"Move: none"));
     EXPECT_THROW(Screen.Close(Window()), ScriptedDesktop::ProcessEnded);
 }
 

@@ -4,6 +4,7 @@
 #include "platform/qt/QtDesktop.h"
 #include "platform/Stretch.h"
 
+#include "controls/MessageBox.h"
 #include "window/WindowDriver.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QCursor>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QTimer>
@@ -18,6 +20,17 @@
 
 #include <sstream>
 #include <thread>
+
+// What screen readers are told. In the place of the toolkit's functions, which tell nobody where none listens.
+static std::vector<std::string> Told;
+bool QAccessible::isActive() {
+    return true;
+}
+void QAccessible::updateAccessibility(QAccessibleEvent* event) {
+    const QAccessibleInterface* part = event->accessibleInterface();
+    const char* state = event->type() != StateChanged ? "" : part->state().checked ? " on" : " off";
+    Told.push_back(part->text(Name).toStdString() + state);
+}
 
 namespace quarnel {
 namespace {
@@ -101,9 +114,9 @@ class QtDesktopTest : public testing::Test {
         return User.WaitUntil([&] { return std::find(Log.begin(), Log.end(), entry) != Log.end(); });
     }
 
-    static QWidget* Canvas() {
+    static QWidget* Canvas(const char* title = "Sample") {
         for (QWidget* widget : QApplication::allWidgets()) {
-            const bool ours = widget->window()->windowTitle() == QLatin1String("Sample");
+            const bool ours = widget->window()->windowTitle() == QLatin1String(title);
             if (ours && widget->inherits("quarnel::FormCanvas")) return widget;
         }
         throw std::runtime_error("no canvas");
@@ -184,8 +197,18 @@ TEST_F(QtDesktopTest, ControlsLieOverTheFrameWithTheirEdgesRoundedOnce) {
     EXPECT_EQ(PixelAt(30, 340), Ground);
     EXPECT_EQ(PixelAt(29, 322), Rgb(0, 0, 255));
     EXPECT_EQ(PixelAt(268, 336), Ground) << "a label has no background";
+    Strip.BorderColor = ColourWhite;
+    EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(19, 320) == ColourWhite && PixelAt(114, 339) == ColourWhite; }));
+    EXPECT_TRUE(PixelAt(20, 321) == Strip.BackColor && PixelAt(113, 338) == Strip.BackColor);
     Strip.Visible = false;
     EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(30, 330) == Ground; }));
+}
+
+TEST_F(QtDesktopTest, ALargerWindowHasItsGroundBeforeItIsPainted) {
+    Main.OuterWidth = 2.0 * InnerWidth * 15;
+    QCursor::pos(); // asks the server, after the new size
+    User.BetweenLooks = nullptr;
+    EXPECT_TRUE(User.WaitUntil([&] { return PixelAt(2 * InnerWidth - 10, 100) == Main.BackColor; }));
 }
 
 TEST_F(QtDesktopTest, ABoxIsCutToItsOutlineAndCarriedByItsTitle) {
@@ -214,11 +237,13 @@ TEST_F(QtDesktopTest, ABoxIsCutToItsOutlineAndCarriedByItsTitle) {
     TheDesktop->ShowModal(Box);
     user.join();
     EXPECT_TRUE(carried);
+    const QImage painted = Canvas("Box")->window()->grab().toImage();
     for (const auto& [x, y] : {std::pair{7, 1}, {193, 1}, {5, 2}, {0, 3}, {199, 95}, {8, 96}, {191, 99}}) {
         EXPECT_EQ(picture.At(x, y), Box.BackColor) << x << "," << y;
     }
     for (const auto& [x, y] : {std::pair{100, 0}, {6, 1}, {194, 1}, {4, 2}, {199, 2}, {7, 96}, {192, 99}}) {
         EXPECT_NE(picture.At(x, y), Box.BackColor) << x << "," << y;
+        EXPECT_EQ(painted.pixelColor(x, y).alpha(), 0) << "for desktops that cut no windows";
     }
 }
 
@@ -274,6 +299,26 @@ TEST_F(QtDesktopTest, AnOpenMenuHoldsTheProgramUntilItIsClosedOrACommandComesFro
     }
 }
 
+TEST_F(QtDesktopTest, TheMenuBarHasOneEdgeInEveryStyleAndRoomForItsTitlesInEveryWindow) {
+    auto* bar = Canvas()->window()->findChild<QMenuBar*>();
+    for (const char* style : {"windows", "fusion"}) {
+        QApplication::setStyle(QString::fromLatin1(style));
+        for (const int shade : {40, 240}) {
+            QApplication::setPalette(QPalette(QColor(shade, shade, shade)));
+            const QImage picture = bar->grab().toImage();
+            const int top = picture.height() - 4; // "Moves" has nothing so low
+            EXPECT_NE(picture.pixel(0, top + 3), picture.pixel(0, top + 2)) << style;
+            const QImage row = picture.copy(0, top, picture.width(), 4);
+            EXPECT_EQ(row, picture.copy(0, top, 1, 4).scaled(row.size())) << style;
+        }
+    }
+    Moves.Caption = Text(30, u'm');
+    Main.OuterWidth = 300 * 15;
+    TheDesktop->ProcessEvents();
+    const QRect title = bar->actionGeometry(bar->actions().front());
+    EXPECT_TRUE(title.width() > 200 && title.right() < 300) << title.right();
+}
+
 TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
     const FontChoice font{u"Tahoma", 8, false};
     const Size one = TheDesktop->MeasureText(u"Move", font, 0);
@@ -291,6 +336,14 @@ TEST_F(QtDesktopTest, TextIsMeasuredAsItIsDrawn) {
     Surface board(60, 30);
     TheDesktop->DrawText(board, 5, 4, u"Move", font, ColourWhite);
     EXPECT_EQ(board, expected);
+
+    // Nor does a label lose any of it, however many pixels a point the display has.
+    Caption.Caption = u"Quarnel Chess";
+    Caption.Font = FontChoice{u"Verdana", 8.25, false};
+    Caption.Width = TheDesktop->MeasureText(Caption.Caption, Caption.Font, 0).Width;
+    const QImage label = Canvas()->grab().toImage();
+    Caption.Width = 200;
+    EXPECT_EQ(label, Canvas()->grab().toImage());
 }
 
 TEST_F(QtDesktopTest, ALibraryMayBeReleasedUntilThatFails) {
@@ -324,11 +377,11 @@ QAccessibleInterface* FindNamed(QAccessibleInterface* parent, const QString& nam
     return nullptr;
 }
 
-TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncement) {
-    Main.OnDescribe = [] {
-        return std::vector<AccessibleItem>{{u"e2, white pawn", 182, 264, 41, 41}, {u"e4, empty", 182, 182, 41, 41}};
-    };
-    Main.Announcement = u"White: e4";
+TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncementAndHearsOfTheirChanges) {
+    std::vector<AccessibleItem> items{{u"e2, white pawn", 182, 264, 41, 41}, {u"e4, empty", 182, 182, 41, 41}};
+    Main.OnDescribe = [&] { return items; };
+    Main.Announce(u"White: e4");
+    Strip.Signals = u"Your turn";
     QAccessibleInterface* const window = QAccessible::queryAccessibleInterface(Canvas()->window());
     const auto press = [&](const char* name) {
         QAccessibleInterface* part = FindNamed(window, QString::fromLatin1(name));
@@ -344,11 +397,40 @@ TEST_F(QtDesktopTest, AScreenReaderFindsControlsItemsAndTheAnnouncement) {
     const Rectangle area = User.Area(Window).value_or(Rectangle());
     EXPECT_EQ(FindNamed(window, "e4, empty")->rect(), QRect(area.Left + 182, area.Top + MenuHeight() + 182, 41, 41));
     for (const char* name : {"Move: e4", "White: e4", "Moves"}) EXPECT_NE(FindNamed(window, name), nullptr) << name;
+
+    TheDesktop->ProcessEvents();
+    Told.clear();
+    std::swap(items[0].Name, items[1].Name);
     Strip.Visible = false;
+    Main.Announce(u"White: e4");
+    TheDesktop->ProcessEvents();
+    EXPECT_THAT(std::exchange(Told, {}), ElementsAre("Your turn off", "e4, empty", "e2, white pawn", "White: e4"));
     EXPECT_EQ(FindNamed(window, "Press me"), nullptr);
+    EXPECT_FALSE(FindNamed(window, "Your turn")->state().checked);
+    Caption.Caption = u"Move: e5";
+    Main.Announce(u"White: e4");
+    TheDesktop->ProcessEvents();
+    EXPECT_THAT(std::exchange(Told, {}), ElementsAre("Move: e5", "White: e4"));
 }
 
-// On a display with two pixels for each of the program's; run by itself with --scale=2.
+TEST_F(QtDesktopTest, AScreenReaderFindsAMessageModalWithItsTitleOnceAndOneButton) {
+    MessageBox messages(*TheDesktop);
+    const std::function<std::string(QAccessibleInterface*)> names = [&](QAccessibleInterface* parent) {
+        const std::string name = parent->text(QAccessible::Name).toStdString();
+        std::string all = name.empty() ? "" : parent->role() == QAccessible::Button ? "[" + name + "]" : name + ".";
+        for (int i = 0; i < parent->childCount(); ++i) all += names(parent->child(i));
+        return all;
+    };
+    QTimer::singleShot(0, [&] {
+        QAccessibleInterface* box = QAccessible::queryAccessibleInterface(Canvas("Quarnel Chess")->window());
+        EXPECT_TRUE(box->role() == QAccessible::Dialog && box->state().modal);
+        EXPECT_EQ(names(box), "Quarnel Chess.Checkmate!  .[OK]Checkmate!  .");
+        FindNamed(box, "OK")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    });
+    EXPECT_EQ(messages.MsgBoxXP(u"Checkmate!"), 6);
+}
+
+// On a display with two pixels for each of the program's.
 class SharpDisplayTest : public QtDesktopTest {};
 
 TEST_F(SharpDisplayTest, StretchesTheFrameAtTheDisplaysOwnResolution) {
@@ -373,7 +455,6 @@ TEST_F(SharpDisplayTest, StretchesTheFrameAtTheDisplaysOwnResolution) {
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     using namespace quarnel;
-    if (argc > 1 && std::string(argv[1]) == "--scale=2") setenv("QT_SCALE_FACTOR", "2", 1);
     TheDesktop = MakeQtDesktop(argc, argv);
     const int result = RUN_ALL_TESTS();
     TheDesktop.reset();

@@ -148,6 +148,9 @@ TEST(SquareAtPixel, RoundsDownOnAllSides) {
 TEST_F(BoardRendererTest, NamesEverySquareForAScreenReaderWhereItIsShown) {
     State().BoardFlipped = True;
     State().Zoom = 2;
+    Controller().SelFile = Controller().SelRow = 8;
+    EXPECT_EQ(Window().OnDescribe()[0].Name, u"h1, white rook, selected");
+    Controller().SelFile = Controller().SelRow = 2; // the user plays White
     const auto items = Window().OnDescribe();
     ASSERT_EQ(items.size(), 64U);
     EXPECT_EQ(items[0], (AccessibleItem{u"h1, white rook", 36, 36, 82, 82}));

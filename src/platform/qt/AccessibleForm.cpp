@@ -7,8 +7,10 @@
 #include <QAccessibleWidget>
 #include <QWindow>
 
+#include <algorithm>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace quarnel {
 
@@ -60,27 +62,23 @@ class Part : public QAccessibleInterface, public QAccessibleActionInterface {
     FormCanvas& canvas_;
 };
 
-const Control* FirstLabel(const Control& parent) {
-    for (const Control* child : parent.Children()) {
-        if (!child->Visible.Get()) continue;
-        if (child->Kind == ControlKind::Label && !child->Caption.Get().empty()) return child;
-        if (const Control* label = FirstLabel(*child)) return label;
-    }
-    return nullptr;
-}
-
 // Whether a press on the control does something.
 bool Presses(const Control& control) {
     return control.OnClick || control.OnMouseUp;
 }
 
+bool IsLight(const Control& control) {
+    return !control.Signals.Get().empty();
+}
+
+bool IsLit(const Control& control) {
+    return IsLight(control) && control.Visible;
+}
+
 // The name of a control, empty for one that says nothing.
 Text NameOf(const Control& control) {
-    if (!control.ToolTip.Get().empty()) return control.ToolTip;
-    if (!control.Caption.Get().empty()) return control.Caption;
-    if (!control.OnClick) return {};
-    const Control* label = FirstLabel(control);
-    return label != nullptr ? label->Caption.Get() : FromAscii(control.Name);
+    if (IsLight(control)) return control.Signals;
+    return control.ToolTip.Get().empty() ? control.Caption : control.ToolTip;
 }
 
 class ControlPart : public Part {
@@ -88,13 +86,17 @@ class ControlPart : public Part {
     ControlPart(FormCanvas& canvas, const Control& control) : Part(canvas), control_(control) {}
 
     QAccessible::Role role() const override {
+        // Of two radio buttons one is on, too; a light of its own has no states that a screen reader would say.
+        if (IsLight(control_)) return QAccessible::RadioButton;
         if (Presses(control_)) return QAccessible::Button;
         return control_.Kind == ControlKind::Label ? QAccessible::StaticText : QAccessible::Graphic;
     }
     QAccessible::State state() const override {
         QAccessible::State state;
         state.disabled = !control_.Enabled;
-        state.invisible = !control_.IsShown();
+        state.invisible = !control_.IsShown() && !IsLight(control_);
+        state.checkable = IsLight(control_);
+        state.checked = IsLit(control_);
         return state;
     }
 
@@ -142,7 +144,7 @@ class AnnouncementPart : public Part {
     QAccessible::Role role() const override { return QAccessible::StatusBar; }
 
   protected:
-    Text Name() const override { return ShownForm().Announcement; }
+    Text Name() const override { return ShownForm().Announcement(); }
     QRectF Area() const override { return Canvas().rect(); }
 };
 
@@ -151,15 +153,11 @@ class AccessibleCanvas : public QAccessibleWidget {
   public:
     explicit AccessibleCanvas(FormCanvas& canvas) : QAccessibleWidget(&canvas, QAccessible::Client), canvas_(canvas) {}
     ~AccessibleCanvas() override {
-        for (const auto& [control, id] : controls_) QAccessible::deleteAccessibleInterface(id);
-        for (const QAccessible::Id id : described_) QAccessible::deleteAccessibleInterface(id);
+        for (const auto& [control, known] : controls_) QAccessible::deleteAccessibleInterface(known.Id);
+        for (const Known& known : described_) QAccessible::deleteAccessibleInterface(known.Id);
         if (announcement_ != 0) QAccessible::deleteAccessibleInterface(announcement_);
     }
 
-    QString text(QAccessible::Text kind) const override {
-        const Form* form = canvas_.ShownForm();
-        return kind == QAccessible::Name && form != nullptr ? ToQString(form->Caption.Get()) : QString();
-    }
     int childCount() const override { return static_cast<int>(Parts().size()); }
     QAccessibleInterface* child(int index) const override {
         const auto parts = Parts();
@@ -185,22 +183,59 @@ class AccessibleCanvas : public QAccessibleWidget {
         return QAccessible::accessibleInterface(announcement_);
     }
 
+    void TellChanges() {
+        for (auto& [control, known] : controls_) Tell(known, NameOf(*control), IsLit(*control));
+        const auto items = Items();
+        for (std::size_t i = 0; i < std::min(items.size(), described_.size()); ++i) {
+            Tell(described_[i], items[i].Name, false);
+        }
+    }
+
   private:
+    // A part, and what screen readers know of it.
+    struct Known {
+        QAccessible::Id Id = 0;
+        Text Name;
+        bool Lit = false;
+    };
+
+    static void Tell(Known& known, const Text& name, bool lit) {
+        QAccessibleInterface* part = QAccessible::accessibleInterface(known.Id);
+        if (std::exchange(known.Name, name) != name) {
+            QAccessibleEvent renamed(part, QAccessible::NameChanged);
+            QAccessible::updateAccessibility(&renamed);
+        }
+        if (std::exchange(known.Lit, lit) != lit) {
+            QAccessible::State changed;
+            changed.checked = true;
+            QAccessibleStateChangeEvent switched(part, changed);
+            QAccessible::updateAccessibility(&switched);
+        }
+    }
+
     // The toolkit owns what is registered, until it is told to delete it.
     static QAccessible::Id Register(std::unique_ptr<Part> part) {
         // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the toolkit keeps it until then
         return QAccessible::registerAccessibleInterface(part.release());
     }
 
+    std::vector<AccessibleItem> Items() const {
+        const Form* form = canvas_.ShownForm();
+        return form != nullptr && form->OnDescribe ? form->OnDescribe() : std::vector<AccessibleItem>();
+    }
+
     void AddControls(const Control& parent, std::vector<QAccessible::Id>& parts) const {
         for (const Control* child : parent.Children()) {
-            if (!child->Visible.Get()) continue;
-            if (!NameOf(*child).empty()) {
-                auto& id = controls_[child];
-                if (id == 0) id = Register(std::make_unique<ControlPart>(canvas_, *child));
-                parts.push_back(id);
+            if (!child->Visible.Get() && !IsLight(*child)) continue;
+            const Text name = NameOf(*child);
+            if (!name.empty() && name != canvas_.ShownForm()->Caption.Get()) {
+                Known& known = controls_[child];
+                if (known.Id == 0) {
+                    known = {Register(std::make_unique<ControlPart>(canvas_, *child)), name, IsLit(*child)};
+                }
+                parts.push_back(known.Id);
             }
-            AddControls(*child, parts);
+            if (child->Visible) AddControls(*child, parts);
         }
     }
 
@@ -209,11 +244,13 @@ class AccessibleCanvas : public QAccessibleWidget {
         const Form* form = canvas_.ShownForm();
         if (form == nullptr) return parts;
         AddControls(*form, parts);
-        const std::size_t items = form->OnDescribe ? form->OnDescribe().size() : 0;
-        while (described_.size() < items) {
-            described_.push_back(Register(std::make_unique<DescribedPart>(canvas_, described_.size())));
+        const auto items = Items();
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (i == described_.size()) {
+                described_.push_back({Register(std::make_unique<DescribedPart>(canvas_, i)), items[i].Name});
+            }
+            parts.push_back(described_[i].Id);
         }
-        parts.insert(parts.end(), described_.begin(), described_.begin() + static_cast<std::ptrdiff_t>(items));
         Announcement();
         parts.push_back(announcement_);
         return parts;
@@ -221,14 +258,28 @@ class AccessibleCanvas : public QAccessibleWidget {
 
     FormCanvas& canvas_;
     // Made when first asked for and kept, because screen readers remember them.
-    mutable std::map<const Control*, QAccessible::Id> controls_;
-    mutable std::vector<QAccessible::Id> described_;
+    mutable std::map<const Control*, Known> controls_;
+    mutable std::vector<Known> described_;
     mutable QAccessible::Id announcement_ = 0;
 };
 
+class AccessibleDialog : public QAccessibleWidget {
+  public:
+    explicit AccessibleDialog(QWidget& window) : QAccessibleWidget(&window, QAccessible::Dialog) {}
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.modal = true;
+        return state;
+    }
+};
+
 QAccessibleInterface* MakeAccessible(const QString& className, QObject* object) {
-    auto* canvas = className == QLatin1String("quarnel::FormCanvas") ? qobject_cast<FormCanvas*>(object) : nullptr;
-    return canvas != nullptr ? new AccessibleCanvas(*canvas) : nullptr;
+    if (className == QLatin1String("quarnel::FormCanvas")) {
+        return new AccessibleCanvas(*static_cast<FormCanvas*>(object));
+    }
+    if (className != QLatin1String("quarnel::FormWindow")) return nullptr;
+    auto& window = *static_cast<QWidget*>(object);
+    return window.windowFlags().testFlag(Qt::FramelessWindowHint) ? new AccessibleDialog(window) : nullptr;
 }
 
 } // namespace
@@ -237,19 +288,18 @@ void DescribeFormsToScreenReaders() {
     QAccessible::installFactory(MakeAccessible);
 }
 
-void Announce(FormCanvas& canvas, const Text& text) {
-    if (!QAccessible::isActive()) return;
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    QAccessibleAnnouncementEvent spoken(&canvas, ToQString(text));
-    QAccessible::updateAccessibility(&spoken);
-#else
-    static_cast<void>(text);
-    // The announcement's part has the text as its name.
+void TellChanges(FormCanvas& canvas, bool announcement) {
     auto* description = dynamic_cast<AccessibleCanvas*>(QAccessible::queryAccessibleInterface(&canvas));
-    if (description == nullptr) return;
-    QAccessibleEvent renamed(description->Announcement(), QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&renamed);
+    if (description == nullptr || canvas.ShownForm() == nullptr) return;
+    description->TellChanges();
+    if (!announcement) return;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QAccessibleAnnouncementEvent spoken(&canvas, ToQString(canvas.ShownForm()->Announcement()));
+#else
+    // The announcement's part has the text as its name.
+    QAccessibleEvent spoken(description->Announcement(), QAccessible::NameChanged);
 #endif
+    QAccessible::updateAccessibility(&spoken);
 }
 
 } // namespace quarnel

@@ -1,10 +1,9 @@
 // What a screen reader finds in a form's canvas: its shown controls, its described items, its last announcement.
 //
-// Call DescribeFormsToScreenReaders() once. Labels, pictures with a tooltip and whatever can be clicked have their
-// name there; pressing one, or a described item, queues a click at its centre. Menus come with the toolkit.
+// Call DescribeFormsToScreenReaders() once. Labels, lights and pictures with a tooltip have their name there, the
+// window's title apart, which the window says itself; pressing one that can be clicked, or a described item, queues a
+// click at its centre. A form without a frame is a modal dialog. Menus come with the toolkit.
 #pragma once
-
-#include "base/Text.h"
 
 namespace quarnel {
 
@@ -12,7 +11,8 @@ class FormCanvas;
 
 void DescribeFormsToScreenReaders();
 
-/// Lets a screen reader speak `text`.
-void Announce(FormCanvas& canvas, const Text& text);
+/// Lets screen readers know which names, and which lights, have changed since the last time, or since they could first
+/// ask for them; then, if wanted, speak the form's announcement.
+void TellChanges(FormCanvas& canvas, bool announcement);
 
 } // namespace quarnel

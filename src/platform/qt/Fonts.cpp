@@ -42,10 +42,10 @@ QString WithLineFeeds(const Text& text) {
 
 } // namespace
 
-QFont FontFor(const FontChoice& wanted, double scale) {
+QFont FontFor(const FontChoice& wanted) {
     QFont font;
     font.setFamilies(FamiliesOf(wanted.Name));
-    font.setPointSizeF(wanted.Points * scale);
+    font.setPointSizeF(wanted.Points);
     font.setBold(wanted.Bold);
     font.setStyleStrategy(static_cast<QFont::StyleStrategy>(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
     font.setHintingPreference(QFont::PreferVerticalHinting);
@@ -61,7 +61,7 @@ void SetDotsPerInch(QImage& image) {
 Size MeasuredSize(const Text& text, const FontChoice& font, int wrapWidth) {
     QImage device(1, 1, QImage::Format_RGB32);
     SetDotsPerInch(device);
-    const QFontMetricsF metrics(FontFor(font, 1), &device);
+    const QFontMetricsF metrics(FontFor(font), &device);
     constexpr double Endless = 1 << 24;
     const QRectF room(0, 0, wrapWidth > 0 ? wrapWidth : Endless, Endless);
     const QRectF box = metrics.boundingRect(room, TextFlags({Alignment::Left, wrapWidth > 0}), WithLineFeeds(text));

@@ -1,7 +1,8 @@
 // Fonts: the established names mapped to free ones, measured and drawn alike everywhere.
 //
-// All lengths are pixels at 96 dots an inch times `scale`, whatever the screen says of itself, so the layout is the
-// same on every desktop.
+// All lengths are pixels at 96 dots an inch, whatever the screen says of itself, so the layout is the same on every
+// desktop. A display with more pixels for each of them gets the text through a painter that is scaled: a font of
+// another size has letters of other widths.
 #pragma once
 
 #include "platform/Form.h"
@@ -12,8 +13,8 @@
 
 namespace quarnel {
 
-/// The font for `wanted`, `scale` times as large; for painting on images that SetDotsPerInch() was called for.
-QFont FontFor(const FontChoice& wanted, double scale);
+/// The font for `wanted`; for painting on images that SetDotsPerInch() was called for.
+QFont FontFor(const FontChoice& wanted);
 
 /// Lets the dots of `image` count 96 to the inch.
 void SetDotsPerInch(QImage& image);

@@ -1,8 +1,10 @@
 #include "platform/qt/FormCanvas.h"
 
+#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QAbstractEventDispatcher>
+#include <QAccessible>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QHelpEvent>
@@ -18,6 +20,8 @@ namespace quarnel {
 namespace {
 
 using Action = FormPointerEvent::Action;
+
+constexpr QEvent::Type TellEvent = QEvent::User;
 
 constexpr std::pair<Qt::MouseButton, PointerButton> Buttons[] = {
     {Qt::LeftButton, PointerButton::Left},
@@ -42,18 +46,26 @@ int ToShift(Qt::KeyboardModifiers keys) {
 
 FormCanvas::FormCanvas(Form& form, EventQueue& queue, QWidget* parent) : QWidget(parent), form_(&form), queue_(queue) {
     setMouseTracking(true);
-    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_OpaquePaintEvent, form.Border == FormBorder::Framed);
 }
 
 void FormCanvas::Present(const Surface& frame, const FrameView& view, const Rectangle& changed) {
     const QRect part = painter_.SetFrame(frame, view, changed) & rect();
     unpainted_ |= part;
     update(part);
+    TellScreenReaders(false);
 }
 
 void FormCanvas::Refresh() {
     unpainted_ = rect();
     update();
+    TellScreenReaders(false);
+}
+
+void FormCanvas::TellScreenReaders(bool announcement) {
+    if (!QAccessible::isActive()) return;
+    announces_ = announces_ || announcement;
+    if (!std::exchange(tells_, true)) QCoreApplication::postEvent(this, new QEvent(TellEvent));
 }
 
 void FormCanvas::Forget() {
@@ -73,7 +85,9 @@ void FormCanvas::paintEvent(QPaintEvent* event) {
     QImage image = *painted_;
     image.setDevicePixelRatio(ratio);
     QPainter painter(this);
-    painter.setClipRegion(event->region());
+    // Not every desktop cuts the window itself.
+    const QRegion outline = window()->mask();
+    painter.setClipRegion(outline.isEmpty() ? event->region() : event->region() & outline);
     painter.drawImage(0, 0, image);
 }
 
@@ -164,6 +178,11 @@ void FormCanvas::CarryWindow() {
 }
 
 bool FormCanvas::event(QEvent* event) {
+    if (event->type() == TellEvent) {
+        tells_ = false;
+        TellChanges(*this, std::exchange(announces_, false));
+        return true;
+    }
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         if (ShowToolTip(help->pos(), help->globalPos())) return true;

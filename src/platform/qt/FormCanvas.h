@@ -25,10 +25,12 @@ class FormCanvas : public QWidget {
     Form* ShownForm() const { return form_; }
 
     void Present(const Surface& frame, const FrameView& view, const Rectangle& changed);
-    /// Paints anew as soon as events are processed.
-    void Refresh();
     /// Makes up for releases that something else in front of the window has taken.
     void CatchUpWithButtons();
+    /// Paints anew as soon as events are processed, and lets screen readers know what has changed.
+    void Refresh();
+    /// Lets them know as soon as events are processed; with the form's announcement, if there is a new one.
+    void TellScreenReaders(bool announcement);
     /// Lets the pressed pointer carry the window until the release.
     void CarryWindow();
     /// Pushes a move to (x, y), and a press and a release of the left button there.
@@ -60,6 +62,8 @@ class FormCanvas : public QWidget {
     Qt::MouseButtons pressed_; ///< buttons whose press was pushed and whose release was not
     QPoint grabbedAt_;         ///< where in the window the last press was
     bool carrying_ = false;
+    bool tells_ = false;     ///< screen readers will be told
+    bool announces_ = false; ///< with the announcement
 };
 
 } // namespace quarnel

@@ -4,8 +4,9 @@
 
 #include <QAbstractEventDispatcher>
 #include <QAction>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
+#include <QFontInfo>
 #include <QKeySequence>
 #include <QMenu>
 
@@ -13,10 +14,11 @@ namespace quarnel {
 
 namespace {
 
-// Close together, so that all menus have room in the smallest window.
+// Close together, so that all menus have room in the smallest window. With a ground of their own neither bar nor titles
+// get an edge from the desktop's style, which would not meet.
 const QString BarStyle =
-    QStringLiteral("QMenuBar { spacing: 0px; }"
-                   "QMenuBar::item { padding: 2px 4px; }"
+    QStringLiteral("QMenuBar { spacing: 0px; background: palette(window); border-bottom: 1px solid palette(mid); }"
+                   "QMenuBar::item { padding: 2px 4px; background: transparent; color: palette(window-text); }"
                    "QMenuBar::item:selected { background: palette(highlight); color: palette(highlighted-text); }");
 
 } // namespace
@@ -90,6 +92,22 @@ void FormMenuBar::Follow(const MenuItem& item) {
     } else {
         Copy(item, *known->second);
     }
+}
+
+// Only as wide a bar as the window: where the desktop's font has no room in it, its next smaller sizes are tried.
+void FormMenuBar::FitTitles() {
+    constexpr int SmallestPixels = 9;
+    QFont font = QApplication::font(this);
+    for (int pixels = QFontInfo(font).pixelSize(); pixels >= SmallestPixels; --pixels) {
+        font.setPixelSize(pixels);
+        setFont(font);
+        if (sizeHint().width() <= width()) break;
+    }
+}
+
+void FormMenuBar::resizeEvent(QResizeEvent* event) {
+    QMenuBar::resizeEvent(event);
+    FitTitles();
 }
 
 void FormMenuBar::Forget() {

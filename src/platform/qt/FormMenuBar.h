@@ -1,7 +1,7 @@
 // A form's menu bar, kept like the form's menu items.
 //
 // Captions, check marks, enabling, visibility and shortcuts follow the items; choosing one only pushes an event. The
-// bar's height is fixed, and it takes whatever width the form has.
+// bar's height is fixed, and it takes whatever width the form has, with smaller titles where that is little.
 #pragma once
 
 #include "platform/EventQueue.h"
@@ -31,8 +31,10 @@ class FormMenuBar : public QMenuBar {
 
   protected:
     bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void FitTitles();
     void Build();
     void Build(MenuItem& item, QWidget& parent);
     static void Copy(const MenuItem& item, QAction& action);

@@ -138,10 +138,17 @@ void FormPainter::PaintControl(QPainter& painter, const Control& control, const 
         const int height = stretch ? box.height() : RoundHalfEven(picture->front().Height() * ratio_);
         if (width > 0 && height > 0) painter.drawImage(box.topLeft(), StretchedPicture(picture, width, height));
     }
+    if (const auto border = control.BorderColor.Get()) {
+        const int width = std::max(1, RoundHalfEven(ratio_));
+        const QRect inside = box.adjusted(width, width, -width, -width);
+        for (const QRect& side : QRegion(box) - inside) painter.fillRect(side, ToQColor(*border));
+    }
     if (control.Kind == ControlKind::Label) {
         painter.setPen(ToQColor(control.Enabled ? control.ForeColor.Get() : DisabledText));
-        DrawTextBox(painter, box, control.Caption, FontFor(control.Font, ratio_),
-                    {control.TextAlignment, control.WordWrap});
+        painter.scale(ratio_, ratio_);
+        const QRectF room(box.x() / ratio_, box.y() / ratio_, box.width() / ratio_, box.height() / ratio_);
+        DrawTextBox(painter, room, control.Caption, FontFor(control.Font), {control.TextAlignment, control.WordWrap});
+        painter.resetTransform();
     }
 }
 

@@ -2,15 +2,18 @@
 
 #include "Pictures.h"
 #include "base/Numbers.h"
-#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QLayout>
 #include <QPixmap>
 #include <QScreen>
 #include <QWindow>
+#if QT_CONFIG(xcb)
+#include <xcb/xcb.h>
+#endif
 
 namespace quarnel {
 
@@ -34,6 +37,15 @@ Qt::WindowFlags FlagsFor(FormBorder border) {
            Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
 }
 
+// What an X server shows of a window where nothing has been painted yet; elsewhere a window grows with its picture.
+void SetGround([[maybe_unused]] WId window, [[maybe_unused]] Colour colour) {
+#if QT_CONFIG(xcb)
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 == nullptr) return;
+    xcb_change_window_attributes(x11->connection(), static_cast<xcb_window_t>(window), XCB_CW_BACK_PIXEL, &colour);
+#endif
+}
+
 } // namespace
 
 FormWindow::FormWindow(Form& form, EventQueue& queue)
@@ -41,6 +53,7 @@ FormWindow::FormWindow(Form& form, EventQueue& queue)
       canvas_(new FormCanvas(form, queue, this)) {
     setObjectName(QString::fromStdString(form.Name));
     setContextMenuPolicy(Qt::NoContextMenu);
+    setAttribute(Qt::WA_TranslucentBackground, form.Border == FormBorder::None);
     setWindowIcon(WindowIcon());
     setCentralWidget(canvas_);
     FollowForm();
@@ -82,10 +95,6 @@ void FormWindow::FollowForm() {
     form_->Height = inner.Height;
     setFixedSize(std::max(1, outer.Width), std::max(1, outer.Height));
     FollowPosition();
-    if (followedAnnouncement_ != form_->Announcement.Get()) {
-        followedAnnouncement_ = form_->Announcement;
-        Announce(*canvas_, followedAnnouncement_);
-    }
     if (form_->Visible.Get() != isVisible()) setVisible(form_->Visible);
 }
 
@@ -130,6 +139,14 @@ void FormWindow::PlaceAbove(QWidget* owner) {
     move(place.topLeft());
     create();
     if (above) windowHandle()->setTransientParent(owner->windowHandle());
+}
+
+bool FormWindow::event(QEvent* event) {
+    const bool framed = form_ != nullptr && form_->Border == FormBorder::Framed;
+    if (event->type() == QEvent::WinIdChange && framed && internalWinId() != 0) {
+        SetGround(internalWinId(), form_->BackColor);
+    }
+    return QMainWindow::event(event);
 }
 
 void FormWindow::closeEvent(QCloseEvent* event) {

@@ -40,6 +40,7 @@ class FormWindow : public QMainWindow {
     void Forget();
 
   protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
@@ -53,7 +54,6 @@ class FormWindow : public QMainWindow {
     FormMenuBar* menuBar_ = nullptr; // likewise; null for a form without menus
     QPoint followedPosition_;        ///< the form's Left and Top when the window was last moved to them
     bool adoptsPosition_ = false;    ///< the form is being told where the window was moved to
-    Text followedAnnouncement_;
 };
 
 } // namespace quarnel

@@ -107,6 +107,7 @@ class QtDesktop : public Desktop, private FormObserver {
 
     void ControlChanged(Control& control) override;
     void MenuChanged(MenuItem& item) override;
+    void Announced(Form& form) override;
     static void Pump(QEventLoop::ProcessEventsFlags flags);
     static void ClosePopups();
     bool MenuIsOpen() const;
@@ -247,6 +248,10 @@ void QtDesktop::MenuChanged(MenuItem& item) {
     if (FormWindow* window = WindowOf(*Form::Of(item))) window->Follow(item);
 }
 
+void QtDesktop::Announced(Form& form) {
+    if (FormWindow* window = WindowOf(form)) window->Canvas().TellScreenReaders(true);
+}
+
 QtDesktop::Modality::Modality(QtDesktop& desktop, Form& form) : desktop_(desktop) {
     desktop_.queue_.EnterModal(form);
     desktop_.modal_.push_back(&form);
@@ -332,7 +337,7 @@ void QtDesktop::DrawText(Surface& target, int x, int y, const Text& text, const 
     SetDotsPerInch(image);
     QPainter painter(&image);
     painter.setPen(ToQColor(colour));
-    DrawTextBox(painter, QRectF(x, y, target.Width(), target.Height()), text, FontFor(font, 1), {});
+    DrawTextBox(painter, QRectF(x, y, target.Width(), target.Height()), text, FontFor(font), {});
 }
 
 // The user's desktop.

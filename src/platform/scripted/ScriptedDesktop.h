@@ -52,6 +52,7 @@ class ScriptedDesktop : public Desktop, private FormObserver {
     };
     std::map<const Form*, Presented> Frames;
     std::map<const Form*, std::vector<Rectangle>> Outlines;
+    std::vector<Text> Spoken;         ///< what forms announced
     std::vector<Form*> Shown() const; ///< attached forms that are visible
 
     // What a user does; each pushes events, delivered when the program next processes them.
@@ -104,6 +105,7 @@ class ScriptedDesktop : public Desktop, private FormObserver {
   private:
     void ControlChanged(Control& control) override;
     void MenuChanged(MenuItem& item) override;
+    void Announced(Form& form) override { Spoken.push_back(form.Announcement()); }
     std::optional<std::filesystem::path> AnswerDialog(const char* kind, const Text& title);
     void Note(std::string entry) { Log.push_back(std::move(entry)); }
 
