@@ -92,7 +92,7 @@ TEST(Conversations, NeverEndInALostAnswerAForeignMoveOrAProgramThatThinksForEver
         core.DragLegalMove(5);
         const Script script = Play(core, number, length);
         const std::string what = script.Slides ? "" : core.WhatIsWrong();
-        const bool wayOut = core.HasWayOut();
+        const bool wayOut = core.HasWayOut(number % 2 == 0);
         if (what.empty() && wayOut) continue;
         ++wrong;
         ADD_FAILURE() << script.Text << ": " << (what.empty() ? "no way out" : what);

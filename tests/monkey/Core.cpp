@@ -42,13 +42,21 @@ void Core::Start(QuarnelInputCallback, QuarnelOutputCallback) {}
 void Core::Attend() {
     if (Screen.Script.size() > 64) return;
     const auto deed = [this] {
+        if (Unasked && Unasked()) return;
+        LetGo();
         FrmMsg& box = Game->Messages.Dialog();
-        if (box.Visible.Get())
-            Screen.Click(box.Ok);
-        else
-            Screen.Release(Game->Board.Window, 1, 1);
+        if (box.Visible.Get()) Screen.Click(box.Ok);
+        // A step through the history in the middle of a drag leaves the piece with the pointer.
+        if (Game->Controller.FloatPiece != 0 && Game->Controller.SelFile == 0) Choose(Game->Board.SubFileMenu[0]);
     };
     Screen.Script.assign(128, deed);
+}
+
+void Core::LetGo() {
+    for (Form* form : {&Game->Board.Window, static_cast<Form*>(&Game->Messages.Dialog())}) {
+        for (const PointerButton button : {PointerButton::Left, PointerButton::Right})
+            Screen.Release(*form, 1, 1, button);
+    }
 }
 
 void Core::Step() {
@@ -124,9 +132,11 @@ std::string Core::WhatIsWrong() {
     return {};
 }
 
-bool Core::HasWayOut() {
+bool Core::HasWayOut(bool blackFirst) {
+    LetGo();
+    if (Game->Board.Picture1.Visible.Get()) Screen.Click(Game->Board.ctrl_SkinableButton1.pic_Button);
     for (int game = 0; game < 2; ++game) {
-        Choose(Game->Board.SubFileMenu[0]);
+        Choose(Game->Board.SubFileMenu[blackFirst && game == 0 ? 1 : 0]);
         Settle();
     }
     Drag("e2", "e4");

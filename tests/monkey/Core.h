@@ -24,6 +24,7 @@ class Core {
     PlainEngine Engine;
     std::unique_ptr<Program> Game;
     std::function<bool(const std::string&)> Hears; ///< false: the line from the engine is lost; unset: all are heard
+    std::function<bool()> Unasked; ///< what the user does while the program waits for him; false: let it go on
 
     /// The engine calls for input once: window events run, and at most one line goes over.
     void Step();
@@ -31,6 +32,7 @@ class Core {
     void Drain();
     /// The engine says a line.
     void Tell(const std::string& line);
+    const std::string& LastSaid() const { return said_; }
     /// The engine answers whatever it still thinks about, and all lines go over.
     void Settle();
 
@@ -50,11 +52,12 @@ class Core {
     char Controls();
     /// Both ends rest and see the same game; otherwise what is wrong.
     std::string WhatIsWrong();
-    /// Two new games as White make the board playable: a move is taken and answered.
-    bool HasWayOut();
+    /// Two new games, the second as White, make the board playable: a move is taken and answered.
+    bool HasWayOut(bool blackFirst);
 
   private:
     void Attend();
+    void LetGo();
     static void Start(QuarnelInputCallback input, QuarnelOutputCallback output);
     static void Receive(const char* line) { current_->received_ = line; }
     static void Get(char* buffer) { std::ranges::copy(current_->said_, buffer); }

@@ -1,11 +1,14 @@
 #include "FakeClock.h"
 
+#include "quarnelchess/board/Fen.h"
 #include "quarnelchess/library/Session.h"
+#include "support/PlainEngine.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
 #include <functional>
+#include <random>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -136,6 +139,47 @@ TEST(Session, AnswersEachConversationWithItsTextsAndNoOthers) {
         d.Say(c.Lines);
         EXPECT_TRUE(std::equal(d.Texts.begin(), d.Texts.end(), c.Texts.begin(), c.Texts.end(), Matches))
             << testing::PrintToString(c.Lines) << testing::PrintToString(d.Texts);
+    }
+}
+
+// The program's tests play against it, so what is true there is true here.
+TEST(Session, SaysWhatThePlainEngineSaysInAnyOrderOfLines) {
+    const std::string lines[] = {"new",      "force", "go",    "sync",         Start,       OnlyReply,
+                                 Middlegame, "black", "white", "movenumber 8", "ponder on", "ponder off"};
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+        std::mt19937 random(seed);
+        Dialogue d;
+        d.Say({"adaptive 1M 1M 1M 1M 1M", "skill 100 600"});
+        PlainEngine plain;
+        std::vector<std::string> said, heard;
+        std::string history;
+        plain.Say = [&](const std::string& text) { said.push_back(text); };
+        plain.ReadPosition = [](std::string_view text) { return RecordFromBoard(ReadFen(text).value()); };
+        plain.Choose = [&] {
+            const std::string& text = heard[said.size()];
+            const std::size_t begin = text.find(": ") + 2;
+            return text.substr(begin, text.size() - begin - 1);
+        };
+        for (int step = 0; step < 30; ++step) {
+            d.Texts.clear();
+            said.clear();
+            const unsigned what = random() % 20;
+            MoveList legal;
+            ListMoves(plain.Game, plain.Game.SideToMove != 0 ? Black : White, legal);
+            std::string line = what < std::size(lines) ? lines[what] : "";
+            if (what >= 15 && legal.Count != 0) line = WriteSan(plain.Game, legal.Moves[random() % legal.Count], legal);
+            if (what == 14) d.Time.Advance(100000);
+            history += what == 14 ? "(time), " : line + ", ";
+            if (line.empty())
+                d.TheSession.Step();
+            else
+                d.HandOver({line.c_str()});
+            heard = d.Texts;
+            std::erase(heard, "Illegal now.");
+            if (what == 14) plain.Answer();
+            plain.Hear(line.empty() ? nullptr : &line);
+            ASSERT_EQ(heard, said) << history;
+        }
     }
 }
 

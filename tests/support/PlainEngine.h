@@ -21,6 +21,8 @@ class PlainEngine {
     std::function<void(const std::string&)> Say;
     /// Reads position text; nothing when it cannot be.
     std::function<std::optional<Position>(std::string_view)> ReadPosition;
+    /// The move to answer with, by its text; unset: some legal one.
+    std::function<std::string()> Choose;
     Position Game = engine::RecordFromBoard(engine::Board::Start()); ///< as the engine has it
     int Plies = 0;
     bool Thinking = false;
@@ -39,7 +41,8 @@ class PlainEngine {
         if (!Thinking) return;
         Thinking = false;
         const MoveList legal = Legal();
-        const MoveRec move = legal.Moves[static_cast<std::size_t>(Plies) * 7 % legal.Count];
+        const int chosen = Choose ? engine::FindSan(Game, Choose(), legal) : -1;
+        const MoveRec move = legal.Moves[chosen >= 0 ? chosen : Plies * 7 % legal.Count];
         const std::string text = (Game.SideToMove != 0 ? "Black(" : "White(") + std::to_string(Plies / 2 + 1) +
                                  "): " + engine::WriteSan(Game, move, legal) + " ";
         Play(move);
