@@ -50,6 +50,7 @@ class ProgramWindow {
 
     /// Closes the window; the program's status, as waitpid() tells it.
     int Close();
+    pid_t Process() const { return process_; }
     /// Writes a picture of the window, with what is above it.
     void Keep(const std::string& file);
 
