@@ -4,6 +4,7 @@
 //
 // Prints memory, threads and handles on the way; afterwards a new game must still be playable. A close counts from the
 // request to the end of the process. Says what went wrong and ends with 1 where something did.
+#include "quarnelchess/records/San.h"
 #include "window/ProgramWindow.h"
 
 #include <chrono>
@@ -44,7 +45,7 @@ class Soak {
         }
         program.Eye->Flipped = False;
         engine::Board board = engine::Board::Start();
-        const engine::Move first(engine::E2, engine::E4);
+        const engine::Move first = engine::ReadSan(board, "e4");
         program.Drag(first);
         board.Make(first);
         program.AwaitReply(board);

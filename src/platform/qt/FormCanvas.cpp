@@ -1,6 +1,5 @@
 #include "platform/qt/FormCanvas.h"
 
-#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QAbstractEventDispatcher>
@@ -180,7 +179,7 @@ void FormCanvas::CarryWindow() {
 bool FormCanvas::event(QEvent* event) {
     if (event->type() == TellEvent) {
         tells_ = false;
-        TellChanges(*this, std::exchange(announces_, false));
+        emit ToBeTold(std::exchange(announces_, false));
         return true;
     }
     if (event->type() == QEvent::ToolTip) {

@@ -38,6 +38,10 @@ class FormCanvas : public QWidget {
     /// The form goes away; what is on the screen stays until the window does.
     void Forget();
 
+  signals:
+    /// Screen readers wait to be told of changes, of the form's announcement, too, if there is a new one.
+    void ToBeTold(bool announcement);
+
   protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

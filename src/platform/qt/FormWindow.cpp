@@ -2,6 +2,7 @@
 
 #include "Pictures.h"
 #include "base/Numbers.h"
+#include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
 
 #include <QCloseEvent>
@@ -56,6 +57,7 @@ FormWindow::FormWindow(Form& form, EventQueue& queue)
     setAttribute(Qt::WA_TranslucentBackground, form.Border == FormBorder::None);
     setWindowIcon(WindowIcon());
     setCentralWidget(canvas_);
+    connect(canvas_, &FormCanvas::ToBeTold, this, [this](bool announcement) { TellChanges(*canvas_, announcement); });
     FollowForm();
 }
 
