@@ -18,6 +18,8 @@ class Program {
     explicit Program(Desktop& desktop) : Screen(desktop) {
         Board.Window.OnDescribe = [this] { return DescribeBoard(State, Controller); };
     }
+    /// Events that wait for the main window are forgotten while all of its menu items are still there.
+    ~Program() { Screen.Detach(Board.Window); }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
