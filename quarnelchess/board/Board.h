@@ -50,6 +50,10 @@ class Board {
     bool IsAttacked(Square square, Color by) const { return (AttackersTo(square, Occupied()) & Pieces(by)) != 0; }
 
     bool IsCapture(Move move) const { return squares_[move.To()] != NoPiece || move.Kind() == MoveKind::EnPassant; }
+    /// Of the piece that the move takes; NoKind when it takes none.
+    PieceKind CapturedKind(Move move) const {
+        return move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(squares_[move.To()]);
+    }
     /// A capture or a promotion: what quiescence looks at.
     bool IsNoisy(Move move) const { return IsCapture(move) || move.IsPromotion(); }
     /// Does the legal move attack the enemy's king?

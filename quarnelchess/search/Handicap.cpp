@@ -106,8 +106,7 @@ bool HangsMate(const Board& board, Move move) {
 }
 
 bool LosesToCapture(const Board& board, Move move, int leastCp) {
-    const int taken =
-        move.Kind() == MoveKind::EnPassant ? ExchangeValue[Pawn] : ExchangeValue[KindOf(board.At(move.To()))];
+    const int taken = ExchangeValue[board.CapturedKind(move)];
     Board next = board;
     next.Make(move);
     MoveBuffer replies;

@@ -49,7 +49,7 @@ MovePicker::MovePicker(const Board& board, History& history, Move tableMove, int
 void MovePicker::ScoreNoisy() {
     for (std::size_t i = current_; i < moves_.Size(); ++i) {
         const Move move = moves_[i];
-        const PieceKind captured = move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(board_.At(move.To()));
+        const PieceKind captured = board_.CapturedKind(move);
         int score =
             16 * ExchangeValue[captured] + history_.Capture(board_.At(move.From()), move.To(), captured).Value();
         if (move.IsPromotion()) score += move.PromotionKind() == Queen ? 16 * ExchangeValue[Queen] : -100000;

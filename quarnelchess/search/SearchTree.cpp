@@ -12,10 +12,6 @@ namespace {
 
 constexpr int DrawValue = 0;
 
-PieceKind CapturedKind(const Board& board, Move move) {
-    return move.Kind() == MoveKind::EnPassant ? Pawn : KindOf(board.At(move.To()));
-}
-
 /// Does what the table knows decide the node without a search?
 bool Cuts(const TableEntry& entry, int tableValue, int alpha, int beta) {
     if (tableValue == NoValue) return false;
@@ -33,11 +29,6 @@ bool Betters(const TableEntry& entry, int tableValue, int eval) {
 bool IsDrawByItself(const Board& board) {
     return board.InsufficientMaterial() ||
            (board.HalfmoveClock() >= 100 && !(board.InCheck() && CountMoves(board) == 0));
-}
-
-int HistoryBonus(int depth) {
-    using namespace margins;
-    return std::min(HistoryBonusPerDepth2 * depth * depth + HistoryBonusPerDepth * depth, HistoryBonusMost);
 }
 
 } // namespace
@@ -76,7 +67,8 @@ bool SearchWorker::IsDraw(const Board& board, int ply) const {
 }
 
 int SearchWorker::CorrectedEval(const Board& board, int ply, int rawEval) const {
-    return std::clamp(rawEval + history_.Correction(board, LineCode(ply)), -MateInMaxPly + 1, MateInMaxPly - 1);
+    const int faded = rawEval - rawEval * board.HalfmoveClock() / margins::FadeClock;
+    return std::clamp(faded + history_.Correction(board, LineCode(ply)), -MateInMaxPly + 1, MateInMaxPly - 1);
 }
 
 void SearchWorker::PlayInto(Board& next, const Board& board, Move move, int ply) {
@@ -106,6 +98,7 @@ int SearchWorker::SearchNode(const Board& board, int alpha, int beta, int depth,
     if (const std::optional<int> value = Enter(node)) return *value;
     if (const std::optional<int> value = ProbeTable(node)) return *value;
     SetStaticValue(node);
+    CorrectDepth(node);
     if (const std::optional<int> value = CutWithoutMove(node)) return *value;
     // Without a known move a full search here orders badly: a shallower one finds that move first.
     if (node.Depth >= margins::InternalReductionMinDepth && !node.TableMove && !node.Excluded &&
@@ -132,6 +125,8 @@ std::optional<int> SearchWorker::Enter(Node& node) {
         state.Extensions = At(node.Ply - 1).Extensions;
     }
     At(node.Ply + 1).Killers[0] = At(node.Ply + 1).Killers[1] = Move{};
+    At(node.Ply + 2).Cutoffs = 0;
+    state.Reduced = 0;
     node.Excluded = state.Excluded;
     return std::nullopt;
 }
@@ -143,8 +138,10 @@ std::optional<int> SearchWorker::ProbeTable(Node& node) {
     node.WasPv = node.IsPv || (node.Found && node.Entry.WasPv);
     if (node.Found && !node.IsPv && node.Entry.Depth >= node.Depth &&
         node.Position.HalfmoveClock() <= margins::TableCutMaxClock &&
-        Cuts(node.Entry, node.TableValue, node.Alpha, node.Beta))
+        Cuts(node.Entry, node.TableValue, node.Alpha, node.Beta)) {
+        if (node.TableValue >= node.Beta) RewardTableCut(node);
         return node.TableValue;
+    }
     return std::nullopt;
 }
 
@@ -165,6 +162,20 @@ void SearchWorker::SetStaticValue(Node& node) {
         if (node.Found && Betters(node.Entry, node.TableValue, node.Eval)) node.Eval = node.TableValue;
     }
     node.IsImproving = IsImproving(node);
+    if (!node.Excluded) RewardGain(node);
+}
+
+/// The move that led here was reduced before its effect on the value was known. Now it is.
+void SearchWorker::CorrectDepth(Node& node) const {
+    using namespace margins;
+    const PlyState& before = At(node.Ply - 1);
+    const int eval = At(node.Ply).StaticEval;
+    if (node.IsRoot || node.InCheck || node.Excluded || before.StaticEval == NoValue) return;
+    const int loss = eval + before.StaticEval;
+    if (before.Reduced >= HindsightDeeperPlies && loss <= 0)
+        ++node.Depth;
+    else if (before.Reduced >= HindsightShallowerPlies && node.Depth >= 2 && loss > HindsightShallowerCp)
+        --node.Depth;
 }
 
 /// Better than two plies ago, or than four when there was a check then.
@@ -183,9 +194,8 @@ std::optional<int> SearchWorker::CutWithoutMove(const Node& node) {
     if (node.IsPv || node.InCheck || node.Excluded || std::abs(node.Beta) >= MateInMaxPly) return std::nullopt;
     if (const std::optional<int> value = Razor(node)) return value;
     // So far above the window that a quiet position will hardly fall below it.
-    if (node.Depth <= ReverseFutilityMaxDepth &&
-        node.Eval - ReverseFutilityPerDepthCp * (node.Depth - node.IsImproving) >= node.Beta &&
-        node.Eval < MateInMaxPly)
+    const int mayLose = ReverseFutilityPerDepthCp * (node.Depth - node.IsImproving);
+    if (node.Depth <= ReverseFutilityMaxDepth && node.Eval - mayLose >= node.Beta && node.Eval < MateInMaxPly)
         return (node.Eval + node.Beta) / 2;
     if (const std::optional<int> value = PassTurn(node)) return value;
     return ProbeCaptures(node);
@@ -218,6 +228,7 @@ std::optional<int> SearchWorker::PassTurn(const Node& node) {
     state.Current = Move{};
     state.Answers = &history_.AfterNothing();
     state.Arrival = 0;
+    state.Reduced = 0;
     int value = -SearchNode(next, -node.Beta, -node.Beta + 1, depth - reduction, ply + 1, !node.IsCutNode);
     if (stopped_) return 0;
     if (value < node.Beta) return std::nullopt;
@@ -271,7 +282,9 @@ int SearchWorker::SearchMoves(Node& node) {
         if (IsLeftOut(node, move, progress)) continue;
         ++progress.Count;
         const bool noisy = board.IsNoisy(move);
-        NodeMove candidate{move, noisy, noisy ? 0 : picker.QuietScore()};
+        const int score = noisy ? history_.Capture(board.At(move.From()), move.To(), board.CapturedKind(move)).Value()
+                                : picker.QuietScore();
+        NodeMove candidate{move, noisy, score};
         if (MayPrune(node, progress)) {
             if (IsLate(node, progress)) picker.SkipQuiets();
             if (IsPruned(node, candidate, progress)) continue;
@@ -295,6 +308,9 @@ int SearchWorker::SearchMoves(Node& node) {
                 if (node.IsPv) UpdateLine(node.Ply, move);
                 if (value >= node.Beta) break;
                 node.Alpha = value;
+                // What is left must be better than that, so less is expected of it.
+                if (node.Depth > 2 && node.Depth <= margins::RaisedMaxDepth && std::abs(value) < MateInMaxPly)
+                    node.Depth = std::max(node.Depth - margins::RaisedReduction, 1);
             }
         }
         if (move != progress.Best) (noisy ? progress.Noisies : progress.Quiets).AddIfRoom(move);
@@ -328,17 +344,22 @@ bool SearchWorker::IsPruned(const Node& node, const NodeMove& candidate, const P
     using namespace margins;
     const Board& board = node.Position;
     const int depth = node.Depth;
-    if (candidate.IsNoisy)
+    if (candidate.IsNoisy) {
+        const int hope = At(node.Ply).StaticEval + ExchangeValue[board.CapturedKind(candidate.Played)] +
+                         NoisyFutilityBaseCp + NoisyFutilityPerDepthCp * depth;
+        const bool isFutile =
+            !node.InCheck && depth <= NoisyFutilityMaxDepth && !candidate.Played.IsPromotion() && hope <= node.Alpha;
+        if (isFutile && !board.GivesCheck(candidate.Played)) return true;
         return depth <= NoisyExchangeMaxDepth &&
                !board.ExchangeGains(candidate.Played, NoisyExchangePerDepthCp * depth);
+    }
 
     const int reduced = std::max(depth - reductions_.Of(false, depth, progress.Count) / PlyUnits, 0);
     const bool isFutile = !node.InCheck && reduced <= FutilityMaxDepth &&
                           At(node.Ply).StaticEval + FutilityBaseCp + FutilityPerDepthCp * reduced <= node.Alpha;
     // A check may be mate.
     if (isFutile && !board.GivesCheck(candidate.Played)) return true;
-    if (reduced <= HistoryPruningMaxDepth &&
-        candidate.QuietScore < HistoryPruningPerDepth * reduced + HistoryPruningBase)
+    if (reduced <= HistoryPruningMaxDepth && candidate.Score < HistoryPruningPerDepth * reduced + HistoryPruningBase)
         return true;
     return reduced <= QuietExchangeMaxDepth &&
            !board.ExchangeGains(candidate.Played, QuietExchangePerDepth2Cp * reduced * reduced);
@@ -389,11 +410,14 @@ int SearchWorker::SearchMove(const Node& node, const Board& next, const NodeMove
     int value = 0;
     if (node.Depth >= ReductionMinDepth && count > 1 + (node.IsRoot ? 1 : 0)) {
         const int shallow = std::clamp(newDepth - Reduction(node, candidate, count), 1, std::max(newDepth, 1));
+        At(node.Ply).Reduced = newDepth - shallow;
         value = -SearchNode(next, -alpha - 1, -alpha, shallow, node.Ply + 1, true);
+        At(node.Ply).Reduced = 0;
         if (value > alpha && shallow < newDepth) {
             const int again = newDepth + (value > progress.BestValue + DeeperAgainCp ? 1 : 0) -
                               (value < progress.BestValue + ShallowerAgainCp ? 1 : 0);
             if (again > shallow) value = -SearchNode(next, -alpha - 1, -alpha, again, node.Ply + 1, !node.IsCutNode);
+            if (!stopped_) RewardSecondLook(node, candidate, again, value);
         }
     } else if (!node.IsPv || count > 1) {
         value = -SearchNode(next, -alpha - 1, -alpha, newDepth, node.Ply + 1, !node.IsCutNode);
@@ -409,19 +433,21 @@ int SearchWorker::Reduction(const Node& node, const NodeMove& candidate, int mov
     const Move move = candidate.Played;
     const PlyState& state = At(node.Ply);
     int reduction = reductions_.Of(candidate.IsNoisy, node.Depth, moveCount);
-    if (node.IsCutNode) reduction += CutNodeReduction;
+    if (node.IsCutNode) reduction += CutNodeReduction + (node.TableMove ? 0 : UnknownCutReduction);
+    if (At(node.Ply + 1).Cutoffs >= OftenCutCount) reduction += OftenCutReduction;
+    if (node.IsPv) reduction -= PvReduction;
     if (!node.IsImproving) reduction += WorseningReduction;
     if (node.WasPv) reduction -= FormerPvReduction;
     if (candidate.GivesCheck) reduction -= CheckReduction;
     if (move == state.Killers[0] || move == state.Killers[1]) reduction -= KillerReduction;
-    if (!candidate.IsNoisy) {
+    if (candidate.IsNoisy) {
+        reduction -= candidate.Score * PlyUnits / NoisyHistoryReductionDivisor;
+    } else {
         if (node.TableMove && node.Position.IsNoisy(node.TableMove)) reduction += NoisyTableMoveReduction;
-        reduction -= candidate.QuietScore * PlyUnits / HistoryReductionDivisor;
+        reduction -= candidate.Score * PlyUnits / HistoryReductionDivisor;
     }
     return reduction / PlyUnits;
 }
-
-// --- Storing and learning -------------------------------------------------------------------------
 
 /// The node's value, after all has been kept that other nodes can use.
 int SearchWorker::Conclude(const Node& node, const Progress& progress, int alphaBefore) {
@@ -430,7 +456,10 @@ int SearchWorker::Conclude(const Node& node, const Progress& progress, int alpha
         if (progress.Overlooked > 0) return evaluation_.Evaluate(node.Position, node.Ply);
         return node.Excluded ? node.Alpha : node.InCheck ? -MateValue + node.Ply : DrawValue;
     }
-    if (value >= node.Beta) RewardCutoff(node, progress);
+    if (value >= node.Beta) {
+        ++At(node.Ply).Cutoffs;
+        RewardCutoff(node, progress);
+    }
     if (node.Excluded) return value;
     if (!node.IsRoot && value <= alphaBefore) RewardRefutation(node.Position, node.Ply, node.Depth);
     const Bound bound = value >= node.Beta ? Bound::Lower : value > alphaBefore ? Bound::Exact : Bound::Upper;
@@ -439,59 +468,6 @@ int SearchWorker::Conclude(const Node& node, const Progress& progress, int alpha
                           {progress.Best, ValueToTable(value, node.Ply), node.RawEval, node.Depth, bound, node.WasPv});
     CorrectEval(node, progress, bound);
     return value;
-}
-
-/// Learns from quiet outcomes where the evaluation was off, unless the bound says nothing about it.
-void SearchWorker::CorrectEval(const Node& node, const Progress& progress, Bound bound) {
-    const int value = progress.BestValue;
-    const int eval = At(node.Ply).StaticEval;
-    const bool tells =
-        bound == Bound::Exact || (bound == Bound::Lower && value > eval) || (bound == Bound::Upper && value < eval);
-    if (!node.InCheck && tells && !(progress.Best && node.Position.IsNoisy(progress.Best)) &&
-        std::abs(value) < MateInMaxPly)
-        history_.Correct(node.Position, LineCode(node.Ply), node.Depth, value - eval);
-}
-
-void SearchWorker::AddContinuation(Piece piece, Square to, int ply, int bonus) {
-    for (const int back : {1, 2, 4})
-        if (At(ply - back).Current) (*At(ply - back).Answers)[piece][to].Add(bonus);
-}
-
-/// The move that cut gains, those tried before it lose.
-void SearchWorker::RewardCutoff(const Node& node, const Progress& progress) {
-    const Board& board = node.Position;
-    const Move best = progress.Best;
-    const int bonus = HistoryBonus(node.Depth);
-    const int malus = -bonus * margins::HistoryMalusPercent / 100;
-    const auto rewardNoisy = [&](Move move, int change) {
-        history_.Capture(board.At(move.From()), move.To(), CapturedKind(board, move)).Add(change);
-    };
-    const auto rewardQuiet = [&](Move move, int change) {
-        history_.Quiet(board.SideToMove(), move).Add(change);
-        history_.AmongPawns(board, move).Add(change);
-        AddContinuation(board.At(move.From()), move.To(), node.Ply, change);
-    };
-    if (board.IsNoisy(best)) {
-        rewardNoisy(best, bonus);
-    } else {
-        PlyState& state = At(node.Ply);
-        if (state.Killers[0] != best) {
-            state.Killers[1] = state.Killers[0];
-            state.Killers[0] = best;
-        }
-        rewardQuiet(best, bonus);
-        for (const Move move : progress.Quiets) rewardQuiet(move, malus);
-    }
-    for (const Move move : progress.Noisies) rewardNoisy(move, malus);
-}
-
-/// Nothing helps here: the quiet move that led here was a good one.
-void SearchWorker::RewardRefutation(const Board& board, int ply, int depth) {
-    const PlyState& before = At(ply - 1);
-    if (!before.Current || !before.CurrentIsQuiet || before.Current.Kind() == MoveKind::Castling) return;
-    const int bonus = HistoryBonus(depth) * margins::RefutationPercent / 100;
-    history_.Quiet(~board.SideToMove(), before.Current).Add(bonus);
-    AddContinuation(board.At(before.Current.To()), before.Current.To(), ply - 1, bonus);
 }
 
 // --- Quiescence -----------------------------------------------------------------------------------
@@ -516,7 +492,12 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
         leaf.RawEval = found && entry.StaticEval != NoValue ? entry.StaticEval : evaluation_.Evaluate(board, ply);
         leaf.Eval = leaf.BestValue = CorrectedEval(board, ply, leaf.RawEval);
         if (found && Betters(entry, tableValue, leaf.Eval)) leaf.BestValue = tableValue;
-        if (leaf.BestValue >= beta) return leaf.BestValue;
+        if (leaf.BestValue >= beta) {
+            if (!found)
+                task_.Table.Store(board.PositionKey(),
+                                  {Move{}, ValueToTable(leaf.BestValue, ply), leaf.RawEval, 0, Bound::Lower, false});
+            return leaf.BestValue;
+        }
         leaf.Alpha = std::max(alpha, leaf.BestValue);
     }
     SearchLeafMoves(leaf, found ? entry.Best : Move{});
@@ -525,6 +506,23 @@ int SearchWorker::Quiesce(const Board& board, int alpha, int beta, int ply) {
     task_.Table.Store(board.PositionKey(),
                       {leaf.Best, ValueToTable(leaf.BestValue, ply), leaf.RawEval, 0, bound, leaf.IsPv});
     return leaf.BestValue;
+}
+
+/// A capture that would not lift the value to alpha. What it could lift it to counts.
+bool SearchWorker::IsHopeless(LeafNode& leaf, Move move, int moveCount) const {
+    using namespace margins;
+    const Board& board = leaf.Position;
+    // Not even winning the piece for nothing would help.
+    const int won = leaf.Eval + ExchangeValue[board.CapturedKind(move)] + DeltaCp;
+    if (won <= leaf.Alpha) {
+        leaf.BestValue = std::max(leaf.BestValue, won);
+        return true;
+    }
+    if (moveCount > LeafMostMoves && move.To() != At(leaf.Ply - 1).Current.To()) return true;
+    const int traded = leaf.Eval + EvenTradeCp;
+    if (traded > leaf.Alpha || board.ExchangeGains(move, 1)) return false;
+    leaf.BestValue = std::max(leaf.BestValue, traded);
+    return true;
 }
 
 void SearchWorker::SearchLeafMoves(LeafNode& leaf, Move tableMove) {
@@ -538,14 +536,7 @@ void SearchWorker::SearchLeafMoves(LeafNode& leaf, Move tableMove) {
             continue;
         }
         ++moveCount;
-        if (!leaf.InCheck && !move.IsPromotion()) {
-            // Not even winning the piece for nothing would help.
-            const int hope = leaf.Eval + ExchangeValue[CapturedKind(board, move)] + margins::DeltaCp;
-            if (hope <= leaf.Alpha) {
-                leaf.BestValue = std::max(leaf.BestValue, std::min(hope, leaf.Alpha));
-                continue;
-            }
-        }
+        if (!leaf.InCheck && !move.IsPromotion() && IsHopeless(leaf, move, moveCount)) continue;
         if (leaf.InCheck && moveCount > 1 && leaf.BestValue > -MateInMaxPly && !board.IsNoisy(move)) break;
         Board next = board;
         PlayInto(next, board, move, leaf.Ply);

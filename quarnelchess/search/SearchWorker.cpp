@@ -27,7 +27,7 @@ void SearchWorker::PrepareRoot() {
         state.Answers = &history_.AfterNothing();
         state.StaticEval = NoValue;
         state.Arrival = 0;
-        state.Extensions = 0;
+        state.Extensions = state.Reduced = state.Cutoffs = 0;
         state.LineLength = 0;
     }
     evaluation_.Begin(task_.Root.Position);

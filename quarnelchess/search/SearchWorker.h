@@ -1,6 +1,7 @@
 // One search thread's work: iterative deepening over its own stack, histories and evaluation.
 //
-// SearchWorker.cpp has the iterations and the root moves, SearchTree.cpp the tree below them.
+// SearchWorker.cpp has the iterations and the root moves, SearchTree.cpp the tree below them, SearchLearning.cpp what
+// its nodes teach.
 #pragma once
 
 #include "quarnelchess/evaluation/Evaluation.h"
@@ -48,6 +49,8 @@ class SearchWorker {
         Continuation* Answers = nullptr;
         int StaticEval = NoValue;
         int Extensions = 0; // double extensions on the way here
+        int Reduced = 0;    // plies that the move being searched is reduced by
+        int Cutoffs = 0;    // among the answers to the moves of the node above
         int LineLength = 0;
         Move Line[MaxPly];
     };
@@ -107,7 +110,7 @@ class SearchWorker {
     struct NodeMove {
         Move Played;
         bool IsNoisy;
-        int QuietScore; // as MovePicker has it
+        int Score; // of a quiet move as MovePicker has it, of a noisy one its own counter
         bool GivesCheck = false;
         int Extension = 0; // plies
     };
@@ -129,6 +132,7 @@ class SearchWorker {
     std::optional<int> ProbeTable(Node& node);
     void SetStaticValue(Node& node);
     bool IsImproving(const Node& node) const;
+    void CorrectDepth(Node& node) const;
     std::optional<int> CutWithoutMove(const Node& node);
     std::optional<int> Razor(const Node& node);
     std::optional<int> PassTurn(const Node& node);
@@ -144,6 +148,7 @@ class SearchWorker {
     int Reduction(const Node& node, const NodeMove& candidate, int moveCount) const;
     int Conclude(const Node& node, const Progress& progress, int alphaBefore);
     int Quiesce(const Board& board, int alpha, int beta, int ply);
+    bool IsHopeless(LeafNode& leaf, Move move, int moveCount) const;
     void SearchLeafMoves(LeafNode& leaf, Move tableMove);
 
     // Small steps.
@@ -158,9 +163,14 @@ class SearchWorker {
     std::uint32_t LineCode(int ply) const { return At(ply - 1).Arrival * 37 + At(ply - 2).Arrival * 1031; }
     void PlayInto(Board& next, const Board& board, Move move, int ply);
     void UpdateLine(int ply, Move move);
+
+    // What nodes teach.
     void CorrectEval(const Node& node, const Progress& progress, Bound bound);
     void RewardCutoff(const Node& node, const Progress& progress);
     void RewardRefutation(const Board& board, int ply, int depth);
+    void RewardTableCut(const Node& node);
+    void RewardGain(const Node& node);
+    void RewardSecondLook(const Node& node, const NodeMove& candidate, int depth, int value);
     void AddContinuation(Piece piece, Square to, int ply, int bonus);
 
     PlyState& At(int ply) { return stack_[ply + StackMargin]; }

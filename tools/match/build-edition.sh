@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Builds the engine of any commit as an opponent for matches. The checkout is left alone.
 #
-#   tools/match/build-edition.sh REVISION [FOLDER [PATCH]]
+#   tools/match/build-edition.sh REVISION [FOLDER [NAME MARGIN=VALUE...]]
 #
-# leaves FOLDER/REVISION/quarnel-uci and prints its path; with a patch laid over the commit,
-# FOLDER/REVISION+NAME/quarnel-uci, NAME being the patch's. FOLDER counts from the top of the repository and is
-# build/editions if left out; a slash in the revision becomes a dash. What is up to date is not built again.
+# leaves FOLDER/REVISION/quarnel-uci and prints its path; with other numbers than the commit's for margins of the search,
+# FOLDER/REVISION+NAME/quarnel-uci. FOLDER counts from the top of the repository and is build/editions if left out; a
+# slash in the revision becomes a dash. What is up to date is not built again.
 #
 # Editions from before the engine spoke to other interfaces, such as b2689df, get the interface
 # program of a later commit, which their search can serve.
@@ -14,15 +14,15 @@ cd "$(dirname "$0")/../.."
 
 InterfaceCommit=9f94c80
 
-[ $# -ge 1 ] && [ $# -le 3 ] || { echo "usage: tools/match/build-edition.sh REVISION [FOLDER [PATCH]]" >&2; exit 2; }
+[ $# -eq 1 ] || [ $# -eq 2 ] || [ $# -ge 4 ] ||
+    { echo "usage: tools/match/build-edition.sh REVISION [FOLDER [NAME MARGIN=VALUE...]]" >&2; exit 2; }
 revision=$1
 commit=$(git rev-parse --verify --quiet "$revision^{commit}") || { echo "There is no revision \"$revision\"." >&2; exit 2; }
 edition=${2:-build/editions}/${revision//\//-}
-patch=${3:-}
-if [ -n "$patch" ]; then
-    [ -f "$patch" ] || { echo "There is no patch \"$patch\"." >&2; exit 2; }
-    edition+=+$(basename "$patch" .patch)
-    commit+=" $(sha256sum <"$patch")"
+margins=("${@:4}")
+if [ ${#margins[@]} -gt 0 ]; then
+    edition+=+$3
+    commit+=" ${margins[*]}"
 fi
 if [ -x "$edition/quarnel-uci" ] && [ "$(cat "$edition/commit" 2>/dev/null)" = "$commit" ]; then
     echo "$edition/quarnel-uci"
@@ -38,8 +38,11 @@ if [ ! -d "$source/quarnelchess/uci" ]; then
     echo 'add_subdirectory(uci)' >>"$source/quarnelchess/CMakeLists.txt"
 fi
 
-[ -z "$patch" ] || patch --quiet --strip=1 --directory="$source" <"$patch" ||
-    { echo "The patch \"$patch\" does not fit revision \"$revision\"." >&2; exit 1; }
+numbers=$source/quarnelchess/search/Margins.h
+for margin in ${margins[@]+"${margins[@]}"}; do
+    grep -q " ${margin%%=*} = " "$numbers" || { echo "Revision \"$revision\" has no margin \"$margin\"." >&2; exit 2; }
+    sed -i "s|\( ${margin%%=*} = \)[^;]*;|\1${margin#*=};|" "$numbers"
+done
 
 log=$edition/build.log
 {
