@@ -3,7 +3,6 @@
 #include "base/Numbers.h"
 #include "notation/GameRecord.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace quarnel {
@@ -22,23 +21,6 @@ std::filesystem::path WithoutBlanksAround(const std::filesystem::path& path) {
     name.erase(last == name.npos ? 0 : last + 1);
     name.erase(0, name.find_first_not_of(' '));
     return name;
-}
-
-// The line that begins at `next`, without its end, which is CR LF, LF or CR; `next` then stands behind that. Nothing at
-// the end of the bytes.
-std::optional<std::string_view> NextLine(std::string_view bytes, std::size_t& next) {
-    if (next == bytes.size()) return std::nullopt;
-    bytes.remove_prefix(next);
-    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
-    bytes.remove_prefix(line.size());
-    next += line.size() + std::min<std::size_t>(bytes.size(), bytes.starts_with("\r\n") ? 2 : 1);
-    return line;
-}
-
-template <class Failure>
-const Text& Field(const std::vector<Text>& fields, std::size_t index) {
-    if (index >= fields.size()) throw Failure();
-    return fields[index];
 }
 
 } // namespace
@@ -107,7 +89,7 @@ void GameFiles::LoadGame() {
 
 std::optional<std::vector<Text>> GameFiles::ReadFields() {
     if (!record_) throw Failure();
-    const auto line = NextLine(record_->Bytes, record_->Next);
+    const auto line = NextRecordLine(record_->Bytes, record_->Next);
     if (!line) return std::nullopt;
     if (record_->Next == MostBytes) throw Failure(); // where the rest was not read
     return RecordFields(desktop_.FromBytes(*line));
@@ -115,29 +97,27 @@ std::optional<std::vector<Text>> GameFiles::ReadFields() {
 
 bool GameFiles::ReadRecord() {
     const auto header = ReadFields();
-    if (!header) throw Failure();
-    TakeSides(UserIsWhite(Field<Failure>(*header, 0)));
+    if (!header || header->empty()) throw Failure();
+    TakeSides(UserIsWhite(header->front()));
 
     state_.MoveText.assign(1, {});
     panel_.NewGame();
 
     int rows = 0;
-    std::vector<Text> fields = *header;
-    while (auto next = ReadFields()) {
-        fields = std::move(*next);
+    HistoryRow row;
+    while (const auto fields = ReadFields()) {
         ++rows;
         if (!ToInteger16(rows)) throw Failure();
-        if (LeadingNumber(Field<Failure>(fields, 0)) != rows) return false;
+        const RowReading reading = ReadRecordRow(*fields, rows, row);
+        if (reading == RowReading::OutOfSequence) return false;
+        if (reading == RowReading::Incomplete) throw Failure();
         state_.MoveText.resize(static_cast<std::size_t>(rows) + 1);
-        HistoryRow& row = state_.MoveText.back();
-        row[0] = ToText(rows) + u".";
-        row[1] = Field<Failure>(fields, 1);
-        if (!Field<Failure>(fields, 2).empty()) row[2] = fields[2];
+        state_.MoveText.back() = row;
     }
     const auto plies = ToInteger16(2 * rows);
     if (!plies || rows == 0) throw Failure(); // a header alone is no game, whatever its fields are
     state_.PlyCount = *plies;
-    if (Field<Failure>(fields, 2).empty()) --state_.PlyCount;
+    if (row[2].empty()) --state_.PlyCount;
     return true;
 }
 

@@ -29,7 +29,7 @@ void ClearRow(GameState& state, int row) {
 } // namespace
 
 void MoveRecorder::RecordMove(const Text& text) {
-    const Text suffix = CheckSuffix(text);
+    const Text suffix = CheckSuffix(rules_, state_.CurPos, text);
     if (state_.PlyNow < state_.PlyCount) {
         if (ContinuesRecordedLine(text)) {
             NextPly(state_);
@@ -39,16 +39,6 @@ void MoveRecorder::RecordMove(const Text& text) {
         DiscardRest();
     }
     Append(LongTextToSan(rules_, state_.CurPos, text, state_.CurPos.SideToMove) + suffix);
-}
-
-// "+" or "#" as the move leaves the other side; a stalemate has no mark.
-Text MoveRecorder::CheckSuffix(const Text& text) {
-    if (Contains(text, u"#") || IsResultText(text)) return {};
-    Position after = state_.CurPos;
-    rules_.MakeMove(after, LongTextToMoveRec(state_.CurPos, text));
-    const Truth opponent = Not(state_.CurPos.SideToMove);
-    if (IsKingAttacked(rules_, after, opponent) == False) return {};
-    return GenerateMoves(rules_, after, opponent).Count == 0 ? u"#" : u"+";
 }
 
 bool MoveRecorder::ContinuesRecordedLine(const Text& text) {

@@ -18,7 +18,6 @@ class MoveRecorder {
     void RecordMove(const Text& text);
 
   private:
-    Text CheckSuffix(const Text& text);
     bool ContinuesRecordedLine(const Text& text);
     void DiscardRest();
     void Append(const Text& san);

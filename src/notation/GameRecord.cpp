@@ -1,5 +1,9 @@
 #include "notation/GameRecord.h"
 
+#include "base/Numbers.h"
+
+#include <algorithm>
+
 namespace quarnel::notation {
 
 namespace {
@@ -14,6 +18,15 @@ Text RecordHeader(bool userIsWhite) {
 
 Text RecordLine(int number, const Text& white, const Text& black) {
     return ToText(number) + u".\t" + white + u"\t" + black;
+}
+
+std::optional<std::string_view> NextRecordLine(std::string_view bytes, std::size_t& next) {
+    if (next == bytes.size()) return std::nullopt;
+    bytes.remove_prefix(next);
+    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
+    bytes.remove_prefix(line.size());
+    next += line.size() + std::min<std::size_t>(bytes.size(), bytes.starts_with("\r\n") ? 2 : 1);
+    return line;
 }
 
 std::vector<Text> RecordFields(TextView line) {
@@ -31,6 +44,14 @@ std::vector<Text> RecordFields(TextView line) {
 
 bool UserIsWhite(const Text& firstField) {
     return firstField == WhiteIsUser;
+}
+
+RowReading ReadRecordRow(const std::vector<Text>& fields, int number, HistoryRow& row) {
+    if (fields.empty()) return RowReading::Incomplete;
+    if (LeadingNumber(fields[0]) != number) return RowReading::OutOfSequence;
+    if (fields.size() < 3) return RowReading::Incomplete;
+    row = {ToText(number) + u".", fields[1], fields[2]};
+    return RowReading::Read;
 }
 
 } // namespace quarnel::notation

@@ -59,4 +59,13 @@ Text LongTextToSan(Rules& rules, const Position& position, const Text& longText,
     return PieceLetter(piece) + origin + capture + target;
 }
 
+Text CheckSuffix(Rules& rules, const Position& position, const Text& longText) {
+    if (Contains(longText, u"#") || IsResultText(longText)) return {};
+    Position after = position;
+    rules.MakeMove(after, LongTextToMoveRec(position, longText));
+    const Truth opponent = Not(position.SideToMove);
+    if (IsKingAttacked(rules, after, opponent) == False) return {};
+    return GenerateMoves(rules, after, opponent).Count == 0 ? u"#" : u"+";
+}
+
 } // namespace quarnel::notation

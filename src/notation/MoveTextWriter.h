@@ -1,4 +1,4 @@
-// Writes moves in standard algebraic notation with English piece letters, without check marks.
+// Writes moves in standard algebraic notation with English piece letters, and the check marks behind them.
 //
 // The same text goes to the engine and, with its mark, into the history.
 #pragma once
@@ -11,5 +11,9 @@ namespace quarnel::notation {
 /// The long text as it is written: `position` is the one before the move, `blackToMove` the mover.
 /// Result tokens come back unchanged. "" when the from square is empty or there is no rule service.
 Text LongTextToSan(Rules& rules, const Position& position, const Text& longText, Truth blackToMove);
+
+/// "+" or "#" as the move leaves the other side, "" otherwise and for a result token; a stalemate has no mark.
+/// `position` is the one before the move.
+Text CheckSuffix(Rules& rules, const Position& position, const Text& longText);
 
 } // namespace quarnel::notation
