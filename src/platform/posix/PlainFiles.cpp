@@ -88,6 +88,16 @@ class FreshFile {
         hasName_ = false;
         return true;
     }
+    /// The same, but not of a file that is there.
+    bool TakeFreeName(const fs::path& name) {
+        const std::string self = hasName_ ? name_ : PathOf(Number());
+        const int folder = hasName_ ? folder_ : AT_FDCWD;
+        if (linkat(folder, self.c_str(), folder_, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return true;
+        if (!hasName_ || errno == EEXIST) return false;
+        // A file system on which a file has one name only.
+        hasName_ = renameat2(folder_, name_.c_str(), folder_, name.c_str(), RENAME_NOREPLACE) != 0;
+        return !hasName_;
+    }
 
   private:
     static std::string RandomName() {
@@ -123,7 +133,7 @@ Outcome WhyNot() {
 }
 
 // `old` is null for a file that is new.
-Outcome Replace(const fs::path& target, const Status* old, std::string_view bytes) {
+Outcome Replace(const fs::path& target, const Status* old, std::string_view bytes, OldFile oldFile) {
     const fs::path parent = target.has_parent_path() ? target.parent_path() : ".";
     const Descriptor folder(open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!folder) return Outcome::Failed;
@@ -134,7 +144,8 @@ Outcome Replace(const fs::path& target, const Status* old, std::string_view byte
         return Outcome::Forbidden;
     }
     if (!WriteAll(file, bytes) || fsync(file) != 0) return Outcome::Failed;
-    if (!fresh.TakePlaceOf(target.filename())) return WhyNot();
+    const fs::path name = target.filename();
+    if (!(oldFile == OldFile::Keep ? fresh.TakeFreeName(name) : fresh.TakePlaceOf(name))) return WhyNot();
     const Descriptor names(openat(folder.Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     fsync(names.Number()); // the new name; where the folder cannot be read, the system writes it in its own time
     return Outcome::Stored;
@@ -183,7 +194,8 @@ std::optional<std::string> ReadPlainFile(const fs::path& path, std::size_t mostB
     return bytes;
 }
 
-bool StorePlainFile(const fs::path& path, std::string_view bytes) {
+bool StorePlainFile(const fs::path& path, std::string_view bytes, OldFile oldFile) {
+    if (oldFile == OldFile::Keep) return Replace(path, nullptr, bytes, oldFile) == Outcome::Stored;
     Status old{};
     // The system follows the links first, and may refuse those that others have laid out.
     const bool isNew = stat(path.c_str(), &old) != 0;
@@ -193,7 +205,7 @@ bool StorePlainFile(const fs::path& path, std::string_view bytes) {
     // Whoever may not write a file may not replace it either.
     const Descriptor file(isNew ? -1 : OpenPlain(*target, O_WRONLY, old));
     if (!isNew && !file) return false;
-    const Outcome outcome = Replace(*target, isNew ? nullptr : &old, bytes);
+    const Outcome outcome = Replace(*target, isNew ? nullptr : &old, bytes, oldFile);
     return outcome == Outcome::Stored ||
            (outcome == Outcome::Forbidden && !isNew && WriteOver(file.Number(), old, bytes));
 }

@@ -2,6 +2,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/EventQueue.h"
+#include "platform/posix/CharacterLocale.h"
 #include "platform/posix/PlainFiles.h"
 #include "platform/qt/AccessibleForm.h"
 #include "platform/qt/Conversions.h"
@@ -40,15 +41,6 @@ std::filesystem::path ToPath(const QString& path) {
 std::filesystem::path SettingsPath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     return ToPath(folder) / "quarnel-chess" / "settings.conf";
-}
-
-// The locale for characters, as the C library would choose it.
-std::string CharacterLocale() {
-    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(name);
-        if (value != nullptr && *value != '\0') return value;
-    }
-    return {};
 }
 
 class QtDesktop : public Desktop, private FormObserver {
