@@ -30,7 +30,7 @@ PictureRef ToolbarPicture(std::size_t button) {
 } // namespace
 
 BoardWindow::BoardWindow(Desktop& desktop) : desktop_(desktop) {
-    Window.Caption = Text(ProgramTitle) + u" v3.26";
+    Window.Caption = Text(ProgramTitle) + u" v" QUARNEL_VERSION;
     Window.BackColor = FrameColour;
     for (MenuItem& item : SubFileMenu) FileMenu.Add(item);
     for (MenuItem& item : pprom) PromotionSubmenu.Add(item);
