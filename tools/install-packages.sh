@@ -21,6 +21,7 @@ check=(
     libgtest-dev libgmock-dev libbenchmark-dev # tests and benchmarks
     libcli11-dev            # command lines of the engine's workshop
     clang-format clang-tidy # formatter and linter
+    pgn-extract             # a reader of others for the games we write
 )
 case ${1:-all} in
     program) ;;

@@ -1,5 +1,8 @@
 #include "Targets.h"
 
+#include "PgnReader.h"
+#include "PgnWriter.h"
+#include "RecordText.h"
 #include "base/Numbers.h"
 #include "monkey/Core.h"
 #include "notation/LongText.h"
@@ -175,10 +178,44 @@ void SettingsValues(std::string_view bytes) {
     CodePageOfLocale(bytes);
 }
 
-constexpr Target All[] = {{"move-text", &MoveText},     {"position-text", &PositionText},
-                          {"game-record", &GameRecord}, {"command-lines", &CommandLines},
-                          {"uci-lines", &UciLines},     {"records", &Records},
-                          {"settings", &SettingsValues}};
+// A game comes back from PGN, and from a record where it has anything to record.
+void HoldRoundTrips(const record::Game& game) {
+    const auto same = [&](const record::Game& other) {
+        const auto& moves = other.Moves();
+        return other.BlackBegins() == game.BlackBegins() &&
+               std::ranges::equal(moves, game.Moves(), {}, &record::Move::San, &record::Move::San);
+    };
+    const std::string pgn = record::WritePgn(game);
+    const auto again = record::PgnReader(pgn).Next();
+    Hold(again && same(*again) && record::WritePgn(*again) == pgn, "a game comes back from PGN");
+    Hold(!game.FenAt(game.Plies()).empty(), "the last position has a text");
+    if (!game.Moves().empty())
+        Hold(same(record::ReadRecord(record::WriteRecord(game, true, 1), 1252)), "a game comes back from a record");
+}
+
+void Pgn(std::string_view bytes) {
+    record::PgnReader reader(bytes);
+    for (bool more = true; more;) {
+        const std::size_t line = reader.Line();
+        Hold(line <= bytes.size() + 1, "lines are counted");
+        try {
+            const auto game = reader.Next();
+            more = game.has_value();
+            if (more) HoldRoundTrips(*game);
+        } catch (const record::Fault& fault) {
+            Hold(fault.Line >= line && fault.Line <= bytes.size() + 1, "a fault has its line");
+        }
+    }
+    try {
+        HoldRoundTrips(record::ReadRecord(bytes, 1252));
+    } catch (const record::Fault&) {
+    }
+}
+
+constexpr Target All[] = {{"move-text", &MoveText},      {"position-text", &PositionText},
+                          {"game-record", &GameRecord},  {"command-lines", &CommandLines},
+                          {"uci-lines", &UciLines},      {"records", &Records},
+                          {"settings", &SettingsValues}, {"pgn", &Pgn}};
 
 } // namespace
 
