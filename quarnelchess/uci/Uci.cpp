@@ -14,12 +14,13 @@
 namespace quarnel::engine {
 namespace {
 
-// What the levels play like: the steps between them are measured, the lowest is an estimate. Between two of them a
-// level is blended; 99 is the strongest that is limited by its work.
+// What the skills play like on the scale of Debian's stockfish, five seconds for the game and a twentieth for each
+// move. From 50 on they are measured; the lower ones are estimates from games of the levels against each other. Between
+// two of them a skill is blended; 99 is the strongest that is limited by its work.
 constexpr struct {
     int Skill;
     int Elo;
-} Ladder[] = {{10, 500}, {20, 910}, {30, 1230}, {50, 1620}, {75, 1980}, {99, 2340}, {100, 2700}};
+} Ladder[] = {{10, 570}, {20, 860}, {30, 1170}, {50, 1510}, {75, 1850}, {92, 1990}, {99, 2490}, {100, 2750}};
 constexpr int LowestElo = std::begin(Ladder)->Elo;
 constexpr int HighestElo = (std::end(Ladder) - 1)->Elo;
 

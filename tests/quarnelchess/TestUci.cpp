@@ -206,7 +206,7 @@ TEST(Uci, LimitsItsStrengthByRating) {
     Conversation conversation;
     const auto depth = [&](const char* limited) {
         const auto answers =
-            conversation.Ask({"setoption name UCI_Elo value 500",
+            conversation.Ask({"setoption name UCI_Elo value 600",
                               std::string("setoption name UCI_LimitStrength value ") + limited, "go nodes 20000"});
         return CountMatches(answers, "info depth .* seldepth.*");
     };
